@@ -1,0 +1,6 @@
+// PLACEHOLDER: to be written (frame composition).
+#include "wsa_p.h"
+
+void CWsa::paintEvent(QPaintEvent*) {}
+void CWsa::drawGraphic(QPainter*, bool) {}
+void CWsa::drawFrequency(QPainter*) {}
