@@ -88,6 +88,10 @@ QRect topoRect();
 QRect spectralRect();
 QRect frequencyRect();
 
+// ---- frame.cpp
+// Draw every view point by point, as the plain reference the fast paint paths are checked against.
+extern bool bReferencePainting;
+
 // ---- planar.cpp: trace switches
 extern bool bCurrent;
 extern bool bAverage;
