@@ -11,6 +11,9 @@ CGroupBoxWidget::CGroupBoxWidget(const QString& title, QWidget* parent)
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(0, 0, 0, 0);
     outer->addWidget(m_box);
+    // Compact: the analyzer fits a title and two rows into 100 pixels.
+    m_layout->setContentsMargins(6, 2, 6, 4);
+    m_layout->setSpacing(2);
     const QColor text = CWidgetStyle::getColor(CWidgetStyle::COLOR_FOREGROUND);
     const QColor border = CWidgetStyle::getColor(CWidgetStyle::COLOR_BORDER);
     m_box->setStyleSheet(

@@ -2,10 +2,13 @@
 
 #include "cwidgetstyle.h"
 
-namespace {
+namespace
+{
 
 // Seven tool-box buttons and their spacings must fit the 400-px working area.
 constexpr int kButtonHeight = 36;
+constexpr int kMinWidth = 80;
+constexpr int kMaxWidth = 200;
 
 QString buttonSheet(const QColor& face, const QColor& text, const QColor& down, int radius)
 {
@@ -75,5 +78,7 @@ void CPushButton::applyLook()
         setMinimumHeight(kButtonHeight);
     else
         setFixedHeight(kButtonHeight);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    // Fills a tool box column, yet stays a button when a dialog centres it in a wide row.
+    setMinimumWidth(kMinWidth);
+    setMaximumWidth(kMaxWidth);
 }

@@ -1,13 +1,10 @@
 #include "cradiobutton.h"
 
-#include "cwidgetstyle.h"
-
+// Plain on purpose: radio buttons sit on dark boxes and on light panels alike, so their text
+// colour comes from the container.
 CRadioButton::CRadioButton(const QString& text, QWidget* parent) : QRadioButton(text, parent)
 {
     setAutoExclusive(true);
-    QPalette pal = palette();
-    pal.setColor(QPalette::WindowText, CWidgetStyle::getColor(CWidgetStyle::COLOR_FOREGROUND));
-    setPalette(pal);
 }
 
 CRadioButton::~CRadioButton() = default;

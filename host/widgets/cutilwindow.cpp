@@ -40,7 +40,8 @@ void CUtilWindow::setCentralWidget(QWidget* widget)
     }
     m_central = widget;
     if (widget) {
-        widget->setParent(this);
+        if (widget->parentWidget() != this)
+            widget->setParent(this);
         layout()->addWidget(widget);
         widget->show();
     }
@@ -53,13 +54,8 @@ QWidget* CUtilWindow::centralWidget() const
 
 void CUtilWindow::updateWindow(bool bRepaint)
 {
+    // Repainting the frame repaints the central widget with it; no second pass of its painter.
     CWidget::updateWindow(bRepaint);
-    if (m_central) {
-        if (bRepaint)
-            m_central->repaint();
-        else
-            m_central->update();
-    }
 }
 
 void CUtilWindow::closeWindow()

@@ -2,13 +2,14 @@
 
 #include <QWidget>
 
-namespace {
+namespace
+{
 
 // The unit's fixed screen and title bar.
 constexpr int kScreenWidth = 800;
 constexpr int kScreenHeight = 480;
 constexpr int kTitleBarHeight = 60;
-constexpr int kStatusBarHeight = 30;
+constexpr int kStatusBarHeight = 20;
 constexpr int kToolBoxWidth = 140;
 constexpr int kLeftPaneWidth = 200;
 
@@ -56,7 +57,8 @@ QColor CWidgetStyle::getColor(ColorCode code)
 
 QRect CWidgetStyle::getScreenRegion(ScreenRegion region)
 {
-    const int workHeight = kScreenHeight - kTitleBarHeight;
+    // The working area lies between the title bar and the status bar.
+    const int workHeight = kScreenHeight - kTitleBarHeight - kStatusBarHeight;
     switch (region) {
     case REGION_WORKING_AREA:
         return QRect(0, kTitleBarHeight, kScreenWidth, workHeight);
