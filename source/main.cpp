@@ -6,6 +6,7 @@
 int main(int argc, char** argv)
 {
     QApplication a(argc, argv);
+    wsaInstallTranslator();
     CWsa w;
     w.setGeometry(0, 60, 800, 400);
     w.show();

@@ -1,19 +1,146 @@
-// PLACEHOLDER: to be written (analyzer lifecycle).
+// The analyzer's life: construction, the refresh timer, message boxes and destruction.
+#include <QMetaObject>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+
+#include "cboardspec.h"
+#include "ccheckbox.h"
+#include "cmessagebox.h"
+#include "cwidgetstyle.h"
+#include "plate2promserv.h"
 #include "wsa_p.h"
 
-CWsa::CWsa(QWidget* parent) : CWidget(parent), m_pUsbWifiSpy(nullptr), m_pMsg(nullptr),
-    m_pSignature(nullptr), m_clickxPos(0), m_bInspector(true), m_bInspectorUpdate(false),
-    m_bFrequency(false), m_bSignature(false), m_bSignatureUpdate(false), m_bUpdate(false),
-    m_eSignatureType(SIGNATURE_80211BG), m_SignaturePoint{0, 0}, m_pE2promserv(nullptr)
+namespace
 {
-}
-CWsa::~CWsa() {}
-void CWsa::timerEvent(QTimerEvent*) { wsaDataParse(); }
-void CWsa::msgUpdate() {}
-QMessageBox::StandardButton CWsa::popMsgBox(QWidget*, const QString&, const QString&,
-                                            QMessageBox::StandardButtons)
+
+void createResultDir()
 {
-    return QMessageBox::NoButton;
+    // Sized for any path the environment may give; a command that does not fit is not run
+    // rather than run cut short.
+    char command[PATH_MAX + 16];
+    const int n = std::snprintf(command, sizeof command, "mkdir -p %s", wsaResultDir());
+    if (n > 0 && size_t(n) < sizeof command)
+        (void)std::system(command);
 }
-void CWsa::deleteMsgBox() {}
-void CWsa::setSize(const QSize& size) { setFixedSize(size); }
+
+template <typename T> void deleteAndClear(T*& p)
+{
+    delete p;
+    p = nullptr;
+}
+
+} // namespace
+
+CWsa::CWsa(QWidget* parent)
+    : CWidget(parent), m_pUsbWifiSpy(nullptr), m_pMsg(nullptr), m_pSignature(nullptr),
+      m_clickxPos(0), m_bInspector(false), m_bInspectorUpdate(false), m_bFrequency(false),
+      m_bSignature(false), m_bSignatureUpdate(false), m_bUpdate(false),
+      m_eSignatureType(SIGNATURE_80211BG), m_SignaturePoint{0, 0}, m_pE2promserv(nullptr)
+{
+    const QRect toolRegion = CWidgetStyle::getScreenRegion(CWidgetStyle::REGION_TOOL_BOX);
+    m_pE2promserv = new halmanager::PlatE2PromServ;
+
+    m_pSignature = nullptr;
+    m_bInspector = true;
+    m_bInspectorUpdate = false;
+    m_bFrequency = false;
+    m_bSignature = false;
+    m_bSignatureUpdate = false;
+    m_bUpdate = false;
+    m_eSignatureType = SIGNATURE_80211BG;
+
+    createResultDir();
+
+    s_band = 0;
+    nMinDraw = -110;
+    nMaxDraw = -10;
+    bPlanarView = true;
+    bSpectralView = true;
+    bTopographicView = true;
+    bRefreshPlanarView = false;
+    initData();
+    resizeGrid();
+
+    bCurrent = bAverage = bMax = true;
+    bSignatures = false;
+    buildControls(toolRegion);
+    // The controls' set-up may have touched the trace switches; the analyzer starts with all on.
+    bCurrent = bAverage = bMax = true;
+    bSignatures = false;
+    bInspector = true;
+    bFrequency = true;
+
+    fillColormap();
+    startTimer(100);
+    setBackgroundColor(CWidgetStyle::getColor(CWidgetStyle::COLOR_BACKGROUND));
+
+    // Only the presence of the probe is checked here; the engine reports whether it works.
+    halmanager::CBoardSpec* board = halmanager::CBoardSpec::GetInstance();
+    auto* usbBus = board ? dynamic_cast<halmanager::CUsbBus*>(board->getBus("UsbBus")) : nullptr;
+    if (!usbBus) {
+        std::puts("***get UsbBus error***");
+    } else {
+        m_pUsbWifiSpy = dynamic_cast<halmanager::CUsbWifiSpy*>(usbBus->getDevice("USB_WIFI_SPY"));
+        if (!m_pUsbWifiSpy)
+            std::puts("***get UsbWifiSpy error***");
+    }
+    std::fflush(stdout);
+
+    startAppEngines();
+
+    // The host frame closes us on its requestToClose(); a bare analyzer has no such frame.
+    if (parent && parent->metaObject()->indexOfSignal("requestToClose()") >= 0)
+        connect(this, SIGNAL(sigClose()), parent, SIGNAL(requestToClose()));
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+CWsa::~CWsa()
+{
+    stopAppEngines();
+    deleteAndClear(pCbCurrent);
+    deleteAndClear(pCbAverage);
+    deleteAndClear(pCbMax);
+    deleteAndClear(m_pE2promserv);
+    std::puts("~CWsa");
+    std::fflush(stdout);
+}
+
+void CWsa::timerEvent(QTimerEvent*)
+{
+    wsaDataParse();
+}
+
+void CWsa::msgUpdate()
+{
+    m_bUpdate = true;
+    update();
+}
+
+QMessageBox::StandardButton CWsa::popMsgBox(QWidget* parent, const QString& title,
+                                            const QString& text,
+                                            QMessageBox::StandardButtons buttons)
+{
+    if (!m_pMsg) {
+        m_pMsg = new CMessageBox(parent);
+        m_pMsg->setMsgTextColor(Qt::blue);
+        m_pMsg->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+        m_pMsg->setFixedSize(450, 270);
+        m_pMsg->setTitleBackgroundColor(Qt::green);
+        m_pMsg->setButtonText(QMessageBox::Ok, tr("OK"));
+        m_pMsg->setTitle(title);
+        m_pMsg->setText(text);
+        CWidgetStyle::moveToWorkingAreaCenter(m_pMsg);
+    }
+    return m_pMsg->information(parent, title, text, buttons);
+}
+
+void CWsa::deleteMsgBox()
+{
+    deleteAndClear(m_pMsg);
+}
+
+void CWsa::setSize(const QSize& size)
+{
+    setFixedSize(size);
+}
