@@ -1,4 +1,212 @@
-// PLACEHOLDER: to be written (engine link and sweep messages).
+// Engine link: reads the engine's records from sockFd, at most one per refresh tick, and acts on
+// them. Sweeps go into the store; status messages open a box, and a lost or missing probe closes
+// the analyzer.
+#include <QMessageBox>
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "cpushbutton.h"
+#include "link.h"
+#include "store.h"
 #include "wsa_p.h"
 
-void CWsa::wsaDataParse() {}
+namespace
+{
+
+// A read may return part of a record (the engine writes slowly, or the socket splits a write).
+// The pieces are gathered here across ticks and a record is acted on only when whole; each tick
+// reads at most the bytes still missing, so no tick takes more than one record.
+unsigned char pendingRecord[SA_RECORD_SIZE];
+int pendingFill = 0;
+// The connection the pending bytes belong to, by socket inode: a restart may hand out the same
+// descriptor number for a new connection, and a new connection starts with an empty record.
+ino_t pendingLink = 0;
+// The engine reported the probe lost or missing on this connection: the user has been told and
+// the analyzer is closing, so the end of the connection that follows is not reported again.
+bool probeGoneReported = false;
+// A box opened by a record runs an event loop; a tick delivered inside it must not read the next
+// record before the box is answered.
+bool parsing = false;
+
+class ParseGuard
+{
+public:
+    ParseGuard() { parsing = true; }
+    ~ParseGuard() { parsing = false; }
+};
+
+void showBox(CWsa& wsa, const QString& title, const QString& text)
+{
+    if (wsa.popMsgBox(&wsa, title, text, QMessageBox::Ok) == QMessageBox::Ok)
+        wsa.msgUpdate();
+    wsa.deleteMsgBox();
+}
+
+void requestRepaint(CWsa& wsa)
+{
+    // While a signature is being placed, the side bar stays as it is.
+    if (wsa.m_bSignature)
+        wsa.update(grid_rect_maximize.adjusted(1, 1, 0, 0));
+    else
+        wsa.update();
+}
+
+// Sample count of the sweep in currentData after the band adjustment, or -1 when it cannot be
+// used to index the record.
+int adjustedCount()
+{
+    const int raw = currentData.num_samples;
+    if (raw < 0 || raw > SA_MAX_SAMPLES)
+        return -1;
+    if (s_band == 0)
+        return raw;
+    // 5 GHz: pairs are reduced and the last 60 pairs lie outside the view. Fewer than 120 raw
+    // samples would leave a negative count: such a sweep carries nothing to show, and storing it
+    // would give the recording (and the topographic column count) a negative size.
+    const int reduced = raw / 2 - 60;
+    return reduced >= 0 ? reduced : -1;
+}
+
+void takeSweep(CWsa& wsa)
+{
+    const int n = adjustedCount();
+    if (n < 0) {
+        std::printf("main received sweep with bad sample count %d\n", currentData.num_samples);
+        currentData.num_samples = 0;
+        return;
+    }
+    bReceivedData = true;
+    ++nDataCount;
+    if (s_band != 0) {
+        currentData.num_samples = n;
+        for (int i = 0; i < n; ++i)
+            currentData.data[i] = std::max(currentData.data[2 * i], currentData.data[2 * i + 1]);
+    }
+    currentDatatmp.type = currentData.type;
+    currentDatatmp.num_samples = n;
+    std::memcpy(currentDatatmp.data, currentData.data, sizeof(int) * static_cast<size_t>(n));
+    if (nLastIdx < 0)
+        maxData = currentData;
+    ++nLastIdx;
+    if (nLastIdx >= WSA_RECORDING_LIMIT) {
+        stopAppEngines();
+        showBox(wsa, QObject::tr("Information"), QObject::tr("Reach the max recording time"));
+        wsa.RestartAppEngines();
+    } else {
+        historyData[nLastIdx] = currentData;
+        wsaCopyTimeText(historyTime[nLastIdx], wsa.getTime());
+    }
+    requestRepaint(wsa);
+}
+
+void announceConfigured(CWsa& wsa)
+{
+    std::puts("\nmain received: CONFIGURED\n");
+    std::printf("%d MHz - %d MHz @ %d KHz, %d samples\n", currentData.data[0], currentData.data[1],
+                currentData.data[2], currentData.num_samples);
+    // The count describes the engine's set-up, not samples of this buffer.
+    currentData.num_samples = 0;
+    const QString text = s_band != 0 ? CWsa::tr("5G Band Configure Succeed!")
+                                     : CWsa::tr("2.4G Band Configure Succeed!");
+    showBox(wsa, QObject::tr("Information"), text);
+    if (pBtSignatures)
+        pBtSignatures->hide();
+}
+
+void reportProbeGone(CWsa& wsa, const char* consoleLine)
+{
+    std::puts(consoleLine);
+    currentData.num_samples = 0;
+    probeGoneReported = true;
+    showBox(wsa, QObject::tr("Error"),
+            QObject::tr("No WIFI SA USB is detected!\nPlease make sure your WIFI SA USB is "
+                        "properly\nconnected to the unit."));
+    emit wsa.sigClose();
+}
+
+// The engine closed its end or the connection failed. Polling a dead descriptor every tick
+// would only repeat the failure, and a kept descriptor number may later name another file, so
+// the link is forgotten. The analyzer keeps showing what it has; a band selection restarts the
+// engine.
+void loseLink(CWsa& wsa, bool closeDescriptor)
+{
+    std::puts("main engine connection closed");
+    if (closeDescriptor)
+        close(sockFd);
+    sockFd = -1;
+    pendingFill = 0;
+    if (probeGoneReported)
+        return;
+    showBox(wsa, QObject::tr("Error"),
+            QObject::tr("The acquisition engine has stopped.\nSelect a band under Frequency to "
+                        "restart it."));
+}
+
+} // namespace
+
+void wsaDispatchRecord(CWsa& wsa, const void* record)
+{
+    std::memcpy(&currentData, record, SA_RECORD_SIZE);
+    switch (currentData.type) {
+    case SA_MSG_SWEEP:
+        takeSweep(wsa);
+        break;
+    case SA_MSG_CONFIGURED:
+        announceConfigured(wsa);
+        break;
+    case SA_MSG_DISCONNECT:
+        reportProbeGone(wsa, "spy disconnect");
+        break;
+    case SA_MSG_NO_DEVICE:
+        reportProbeGone(wsa, "No WiFi SA USB is detected!");
+        break;
+    default:
+        std::puts("main received unknown data type");
+        currentData.num_samples = 0;
+        break;
+    }
+}
+
+void CWsa::wsaDataParse()
+{
+    if (parsing)
+        return;
+    ParseGuard guard;
+    // A sweep not painted by now is not counted in the statistics.
+    currentData.type = 0;
+    currentData.num_samples = 0;
+    if (sockFd < 0)
+        return;
+
+    struct stat link;
+    const ino_t linkId = fstat(sockFd, &link) == 0 ? link.st_ino : 0;
+    if (linkId != pendingLink) {
+        pendingLink = linkId;
+        pendingFill = 0;
+        probeGoneReported = false;
+    }
+
+    const ssize_t got = recv(sockFd, pendingRecord + pendingFill,
+                             static_cast<size_t>(SA_RECORD_SIZE - pendingFill), MSG_DONTWAIT);
+    if (got > 0) {
+        pendingFill += static_cast<int>(got);
+        if (pendingFill < SA_RECORD_SIZE)
+            return;
+        pendingFill = 0;
+        wsaDispatchRecord(*this, pendingRecord);
+        return;
+    }
+    const int error = got < 0 ? errno : 0;
+    if (error == EAGAIN || error == EWOULDBLOCK || error == EINTR)
+        return;
+    if (error != 0)
+        std::printf("main engine read fail: %d\n", error);
+    // A descriptor that is not (or no longer) a socket is not ours to close.
+    const bool ours = error != EBADF && error != ENOTSOCK;
+    loseLink(*this, ours);
+}
