@@ -1,5 +1,269 @@
-// PLACEHOLDER: to be written (topographic view).
+// Topographic view: how often each sample has been seen at each level (|dBm|), coloured by the
+// density colour scale relative to the highest count.
+#include "topo.h"
+
+#include <QImage>
+#include <QPainter>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+
 #include "wsa_p.h"
 
-int CWsa::onPaint_TopoView(QPainter*) { return 0; }
-void CWsa::drawTopoSample(QPainter*, int, int) {}
+namespace
+{
+
+const int kTopIndex = WSA_COLORMAP_SIZE - 1;
+
+int clampIndex(long long index)
+{
+    return index < 0 ? 0 : index > kTopIndex ? kTopIndex : int(index);
+}
+
+QRgb mapRgb(int index)
+{
+    const stRgb& c = colormap[index];
+    return qRgb(c.r, c.g, c.b);
+}
+
+void paintLegendBar(QPainter* pPainter, const QRect& legend)
+{
+    pPainter->setPen(Qt::black);
+    pPainter->drawRect(legend);
+    for (int k = 0; k < WSA_COLORMAP_SIZE; ++k) {
+        pPainter->setPen(QColor(mapRgb(k)));
+        const int x = legend.left() + 1 + k;
+        pPainter->drawLine(x, legend.top() + 1, x, legend.bottom());
+    }
+}
+
+// Levels |nMinDraw| and |nMaxDraw| themselves are left out of the full repaint.
+int densityHighLevel()
+{
+    return qMin(std::abs(nMinDraw) - 1, WSA_DENSITY_LEVELS - 1);
+}
+
+int densityLowLevel()
+{
+    return std::abs(nMaxDraw);
+}
+
+int densityRow(const QRect& rc, int level)
+{
+    int x = rc.left();
+    int y = levelToRow(rc, -level);
+    __validate_and_correct_position(rc, x, y);
+    return y;
+}
+
+void paintDensityPlain(QPainter* pPainter, const QRect& rc, int samples)
+{
+    const int jHigh = densityHighLevel();
+    const int jLow = densityLowLevel();
+    for (int i = 0; i < samples; ++i) {
+        for (int j = jHigh; j > jLow; --j) {
+            const int count = popularity[i][j];
+            if (count <= 0)
+                continue;
+            pPainter->setPen(QColor(mapRgb(topoColorIndex(count, sweep_peak_max))));
+            int x = rc.left() + i;
+            int y = levelToRow(rc, -j);
+            __validate_and_correct_position(rc, x, y);
+            pPainter->drawPoint(x, y);
+        }
+    }
+}
+
+// Colours of the counts below saturation; every larger count takes the top colour. A peak beyond
+// what the table covers (never reached by a real recording) falls back to the direct computation.
+class DensityColors
+{
+public:
+    void build(long peak)
+    {
+        m_peak = peak;
+        m_top = 0xff000000u | mapRgb(kTopIndex);
+        m_end = kSize;
+        for (int count = 1; count < kSize; ++count) {
+            const int index = topoColorIndex(count, peak);
+            m_rgb[count] = 0xff000000u | mapRgb(index);
+            if (index == kTopIndex) {
+                m_end = count;
+                m_saturates = true;
+                return;
+            }
+        }
+        m_saturates = false;
+    }
+    QRgb operator()(int count) const
+    {
+        if (count < m_end)
+            return m_rgb[count];
+        if (m_saturates)
+            return m_top;
+        return 0xff000000u | mapRgb(topoColorIndex(count, m_peak));
+    }
+
+private:
+    static const int kSize = 4096;
+    QRgb m_rgb[kSize] = {};
+    QRgb m_top = 0;
+    long m_peak = 1;
+    int m_end = 0;
+    bool m_saturates = false;
+};
+
+// Writes the points straight into a transparent layer and draws it once. Every layer pixel is
+// either fully opaque or fully transparent, so the result equals the point-by-point drawing.
+void paintDensityFast(QPainter* pPainter, const QRect& rc, int samples)
+{
+    const int jHigh = densityHighLevel();
+    const int jLow = densityLowLevel();
+    if (samples <= 0 || jHigh <= jLow)
+        return;
+
+    int rowOf[WSA_DENSITY_LEVELS];
+    int yMin = INT_MAX;
+    int yMax = INT_MIN;
+    for (int j = jHigh; j > jLow; --j) {
+        rowOf[j] = densityRow(rc, j);
+        yMin = qMin(yMin, rowOf[j]);
+        yMax = qMax(yMax, rowOf[j]);
+    }
+    const int height = yMax - yMin + 1;
+
+    // Grows only when the layout needs more rows than ever before. The padding keeps the line
+    // length off a multiple of 4 KiB, so that a column's pixels do not share one cache set.
+    static QImage layer;
+    if (layer.height() < height)
+        layer = QImage(SA_MAX_SAMPLES + 16, height, QImage::Format_ARGB32_Premultiplied);
+    if (layer.isNull())
+        return;
+    static DensityColors colors;
+    colors.build(sweep_peak_max);
+
+    uchar* bits = layer.bits();
+    const qsizetype stride = layer.bytesPerLine();
+    for (int y = 0; y < height; ++y)
+        std::memset(bits + y * stride, 0, size_t(samples) * sizeof(QRgb));
+    for (int j = jHigh; j > jLow; --j)
+        rowOf[j] -= yMin;
+    // Blocks of samples keep both the counts read and the pixels written in cache. Within a
+    // sample the levels go downward, as in the plain drawing, so a later level wins a shared row.
+    const int block = 16;
+    for (int first = 0; first < samples; first += block) {
+        const int end = qMin(first + block, samples);
+        for (int j = jHigh; j > jLow; --j) {
+            QRgb* line = reinterpret_cast<QRgb*>(bits + rowOf[j] * stride);
+            for (int i = first; i < end; ++i) {
+                const int count = popularity[i][j];
+                if (count > 0)
+                    line[i] = colors(count);
+            }
+        }
+    }
+    pPainter->drawImage(QPoint(rc.left(), yMin), layer, QRect(0, 0, samples, height));
+}
+
+} // namespace
+
+int topoScale(long peak)
+{
+    if (peak <= 199)
+        return 6000;
+    if (peak <= 399)
+        return 12000;
+    return 24000;
+}
+
+int topoColorIndex(long count, long peak)
+{
+    if (peak < 1)
+        peak = 1;
+    return clampIndex(static_cast<long long>(count) * topoScale(peak) / peak);
+}
+
+int topoColorIndexF(long count, long peak)
+{
+    if (peak < 1)
+        peak = 1;
+    const double index = double(count) / double(peak) * topoScale(peak);
+    if (index <= 0)
+        return 0;
+    if (index >= kTopIndex)
+        return kTopIndex;
+    return int(index);
+}
+
+QRect legendRect(const QRect& view)
+{
+    QRect legend = view;
+    legend.setBottom(view.top() - 4);
+    legend.setTop(view.top() - 12);
+    legend.setLeft(view.left() + (view.right() - view.left() - 240) / 2);
+    legend.setRight(legend.left() + 240);
+    return legend;
+}
+
+void drawColorLegend(QPainter* pPainter, const QRect& view)
+{
+    const QRect legend = legendRect(view);
+    if (bReferencePainting) {
+        paintLegendBar(pPainter, legend);
+        return;
+    }
+    // The bar depends only on the colour map; its position is a plain offset. A margin keeps every
+    // pixel the frame may touch inside the cached image.
+    const int margin = 2;
+    static QImage bar;
+    static stRgb barColors[WSA_COLORMAP_SIZE];
+    if (bar.isNull() || std::memcmp(barColors, colormap, sizeof colormap) != 0) {
+        std::memcpy(barColors, colormap, sizeof colormap);
+        bar = QImage(legend.width() + 2 * margin, legend.height() + 2 * margin,
+                     QImage::Format_ARGB32_Premultiplied);
+        bar.fill(Qt::transparent);
+        QPainter barPainter(&bar);
+        paintLegendBar(&barPainter, QRect(margin, margin, legend.width(), legend.height()));
+    }
+    pPainter->drawImage(legend.topLeft() - QPoint(margin, margin), bar);
+}
+
+int CWsa::onPaint_TopoView(QPainter* pPainter)
+{
+    if (!bTopographicView)
+        return 0;
+    const QRect rc = topoRect();
+    drawGrid(pPainter, rc, nCellWidth, nCellHeight);
+
+    const int samples = qBound(0, maxData.num_samples, int(SA_MAX_SAMPLES));
+    if (bReferencePainting)
+        paintDensityPlain(pPainter, rc, samples);
+    else
+        paintDensityFast(pPainter, rc, samples);
+
+    drawColorLegend(pPainter, rc);
+    const QRect legend = legendRect(rc);
+    pPainter->setPen(Qt::black);
+    pPainter->drawText(legend.left() - 38, legend.top() + 10, tr("0.0%"));
+    pPainter->drawText(legend.right() + 5, legend.top() + 10, tr("2.0%"));
+    return 0;
+}
+
+void CWsa::drawTopoSample(QPainter* pPainter, int i, int absDbm)
+{
+    if (i < 0 || i >= SA_MAX_SAMPLES)
+        return;
+    const QRect rc = topoRect();
+    const long count = absDbm >= 0 && absDbm < WSA_DENSITY_LEVELS ? popularity[i][absDbm] : 0;
+    const QColor color(mapRgb(topoColorIndexF(count, sweep_peak_max)));
+    int x = rc.left() + i;
+    int y = levelToRow(rc, currentData.data[i]);
+    __validate_and_correct_position(rc, x, y);
+    if (bReferencePainting) {
+        pPainter->setPen(color);
+        pPainter->drawPoint(x, y);
+    } else {
+        // One pixel without a pen change.
+        pPainter->fillRect(QRect(x, y, 1, 1), color);
+    }
+}
