@@ -4,8 +4,11 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QRandomGenerator>
+#include <QTest>
 #include <QTimer>
 #include <QWidget>
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -14,7 +17,8 @@
 
 #include "wsa_p.h"
 
-namespace wsatest {
+namespace wsatest
+{
 
 AnalyzerEnv::AnalyzerEnv() : m_oldCwd(QDir::currentPath())
 {
@@ -139,6 +143,90 @@ QString captureStdout(const std::function<void()>& body)
     close(tmp);
     unlink(path);
     return QString::fromLocal8Bit(out);
+}
+
+bool AnalyzerFixture::start()
+{
+    env = std::make_unique<AnalyzerEnv>();
+    w = new CWsa;
+    link = takeOverLink();
+    w->setSize(QSize(800, 400));
+    w->show();
+    return link >= 0 && QTest::qWaitForWindowExposed(w);
+}
+
+void AnalyzerFixture::stop()
+{
+    delete w;
+    w = nullptr;
+    if (link >= 0)
+        close(link);
+    link = -1;
+    env.reset();
+}
+
+void selectLayout(CWsa* w, int band, Layout layout)
+{
+    s_band = band;
+    nMinDraw = band ? -100 : -110;
+    nMaxDraw = band ? -50 : -10;
+    w->resizeGrid();
+    switch (layout) {
+    case ViewAll:
+        w->procViewAll();
+        break;
+    case PlanarOnly:
+        w->procPlanar();
+        break;
+    case TopoOnly:
+        w->procTopographic();
+        break;
+    case SpectralOnly:
+        w->procSpectral();
+        break;
+    }
+}
+
+void fillFullState(int samples, quint32 seed)
+{
+    QRandomGenerator rng(seed);
+    const int range = nMaxDraw - nMinDraw;
+    auto level = [&] { return nMinDraw + int(rng.bounded(range + 1)); };
+    nLastIdx = WSA_RECORDING_LIMIT - 1;
+    nDataCount = nLastIdx + 1;
+    for (int k = 0; k <= nLastIdx; ++k) {
+        historyData[k].type = SA_MSG_SWEEP;
+        historyData[k].num_samples = samples;
+        for (int i = 0; i < samples; ++i)
+            historyData[k].data[i] = level();
+        for (int c = 1; c < WSA_COLOR_LINE; ++c) {
+            const stRgb& m = colormap[rng.bounded(WSA_COLORMAP_SIZE)];
+            historyColor[k + 1].color[c] = qRgb(m.r, m.g, m.b);
+        }
+        const int t = k / 8; // eight sweeps a second
+        std::snprintf(historyTime[k], WSA_TIME_TEXT, "%02d:%02d:%02d", t / 3600, t / 60 % 60,
+                      t % 60);
+    }
+    sweep_peak_max = 5000;
+    for (int i = 0; i < SA_MAX_SAMPLES; ++i) {
+        for (int m = 0; m < WSA_DENSITY_LEVELS; ++m)
+            popularity[i][m] = i < samples ? 1 + int(rng.bounded(5000)) : 0;
+        const int a = level(), b = level();
+        maxData.data[i] = std::max(a, b);
+        minData.data[i] = std::min(a, b);
+        sumData[i] = -(a + b) / 2 * nDataCount;
+    }
+    maxData.num_samples = samples;
+    currentDatatmp = historyData[nLastIdx];
+    currentData = currentDatatmp;
+}
+
+QImage renderAnalyzer(CWsa* w)
+{
+    QImage image(800, 400, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    w->render(&image, QPoint(), QRegion(), QWidget::DrawWindowBackground);
+    return image;
 }
 
 } // namespace wsatest

@@ -2,13 +2,18 @@
 #ifndef WSATESTSUPPORT_H
 #define WSATESTSUPPORT_H
 
+#include <QImage>
 #include <QString>
 #include <QTemporaryDir>
 #include <functional>
+#include <memory>
 
 #include "halbrin_sa.h"
 
-namespace wsatest {
+class CWsa;
+
+namespace wsatest
+{
 
 // Prepares the process for constructing an analyzer: an own temporary working directory (the
 // engine socket is ./SERVERSOCK), the fake engine as WSA_ENGINE_PATH logging its command lines,
@@ -49,6 +54,32 @@ void onNextModal(std::function<void(QWidget*)> action);
 
 // Runs `body` with standard output captured and returns what it printed.
 QString captureStdout(const std::function<void()>& body);
+
+// One analyzer for a test program: environment, analyzer, and the test's own end of the engine
+// link (engines are killed by name, so the fake engine may go at any time; records come from the
+// test alone). start() shows the analyzer at 800 x 400 and waits until it is exposed.
+class AnalyzerFixture
+{
+public:
+    ~AnalyzerFixture() { stop(); }
+    bool start();
+    void stop();
+    CWsa* w = nullptr;
+    int link = -1;
+    std::unique_ptr<AnalyzerEnv> env;
+};
+
+enum Layout { ViewAll, PlanarOnly, TopoOnly, SpectralOnly };
+
+// Switches band geometry and display range (without restarting the engine) and the layout.
+void selectLayout(CWsa* w, int band, Layout layout);
+
+// A full recording (3597 stored sweeps, every colour row filled) and a full density table of
+// `samples` samples per sweep, with random levels inside the band's display range.
+void fillFullState(int samples, quint32 seed = 42);
+
+// The analyzer's own paint (child widgets excluded) into an 800 x 400 image.
+QImage renderAnalyzer(CWsa* w);
 
 } // namespace wsatest
 
