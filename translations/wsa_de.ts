@@ -156,26 +156,6 @@ Bitte prüfen Sie, ob Ihr WIFI SA USB richtig
 mit dem Gerät verbunden ist.</translation>
     </message>
     <message>
-        <source>Freq</source>
-        <translation>Freq</translation>
-    </message>
-    <message>
-        <source>Maximum</source>
-        <translation>Maximum</translation>
-    </message>
-    <message>
-        <source>Amp</source>
-        <translation>Pegel</translation>
-    </message>
-    <message>
-        <source>Density</source>
-        <translation>Dichte</translation>
-    </message>
-    <message>
-        <source>Time</source>
-        <translation>Zeit</translation>
-    </message>
-    <message>
         <source>Hover over view</source>
         <translation>Auf Ansicht tippen:</translation>
     </message>
