@@ -3,6 +3,7 @@
 // labels, in that order.
 #include <QApplication>
 #include <QImage>
+#include <QPaintEvent>
 #include <QPainter>
 #include <cstring>
 
@@ -144,7 +145,7 @@ bool lineSpan(int dx, int dy, stLineSpan& span)
     return true;
 }
 
-void CWsa::paintEvent(QPaintEvent*)
+void CWsa::paintEvent(QPaintEvent* event)
 {
     const QRect area = rect();
     QPainter painter(this);
@@ -166,7 +167,9 @@ void CWsa::paintEvent(QPaintEvent*)
         bReceivedData = false;
         drawGraphic(&painter, true);
     }
-    if (m_bUpdate) {
+    // A repaint behind a child control (a check box changing state) is clipped away from the
+    // views; it must not use up the redraw the control has just asked for.
+    if (m_bUpdate && event->region().intersects(grid_rect_maximize.united(grid_rect_spectral))) {
         m_bUpdate = false;
         drawGraphic(&painter, false);
     }
