@@ -12,7 +12,6 @@
 #include <QRandomGenerator>
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <vector>
 
 #include "wsa_p.h"
@@ -20,50 +19,6 @@
 
 namespace
 {
-
-using Layout = void (CWsa::*)();
-
-void fillFullState(int samples)
-{
-    QRandomGenerator rng(42);
-    const int range = nMaxDraw - nMinDraw;
-    nLastIdx = WSA_RECORDING_LIMIT - 1;
-    nDataCount = nLastIdx + 1;
-    for (int k = 0; k <= nLastIdx; ++k) {
-        historyData[k].type = SA_MSG_SWEEP;
-        historyData[k].num_samples = samples;
-        for (int i = 0; i < samples; ++i)
-            historyData[k].data[i] = nMinDraw + int(rng.bounded(range + 1));
-        for (int c = 1; c < WSA_COLOR_LINE; ++c) {
-            const stRgb& m = colormap[rng.bounded(WSA_COLORMAP_SIZE)];
-            historyColor[k + 1].color[c] = qRgb(m.r, m.g, m.b);
-        }
-        const int t = k / 10; // ten sweeps a second
-        const char text[] = {'0',
-                             '0',
-                             ':',
-                             char('0' + t / 600 % 6),
-                             char('0' + t / 60 % 10),
-                             ':',
-                             char('0' + t % 60 / 10),
-                             char('0' + t % 10),
-                             0};
-        std::memcpy(historyTime[k], text, sizeof text);
-    }
-    sweep_peak_max = 5000;
-    for (int i = 0; i < SA_MAX_SAMPLES; ++i) {
-        for (int m = 0; m < WSA_DENSITY_LEVELS; ++m)
-            popularity[i][m] = 1 + int(rng.bounded(5000));
-        const int a = nMinDraw + int(rng.bounded(range + 1));
-        const int b = nMinDraw + int(rng.bounded(range + 1));
-        maxData.data[i] = std::max(a, b);
-        minData.data[i] = std::min(a, b);
-        sumData[i] = -(a + b) / 2 * nDataCount;
-    }
-    maxData.num_samples = samples;
-    currentDatatmp = historyData[nLastIdx];
-    currentData = currentDatatmp;
-}
 
 double medianMs(std::vector<qint64>& ns)
 {
@@ -111,16 +66,17 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    wsatest::AnalyzerEnv env;
-    CWsa w;
-    w.setSize(QSize(800, 400));
-    const int link = wsatest::takeOverLink();
+    wsatest::AnalyzerFixture fixture;
+    if (!fixture.start())
+        return 1;
+    CWsa& w = *fixture.w;
+    const int link = fixture.link;
     QImage target(800, 400, QImage::Format_ARGB32_Premultiplied);
 
     // --profile: fast View All frames only, long enough for a profiler to sample.
     if (app.arguments().contains(QStringLiteral("--profile"))) {
-        fillFullState(423);
-        w.procViewAll();
+        wsatest::selectLayout(&w, 0, wsatest::ViewAll);
+        wsatest::fillFullState(423);
         std::printf("View All, fast: %.3f ms\n", frameMs(w, target, 20000));
         return 0;
     }
@@ -129,14 +85,14 @@ int main(int argc, char** argv)
     std::printf("%-12s %12s %14s %8s\n", "layout", "fast (ms)", "reference (ms)", "ratio");
     const struct {
         const char* name;
-        Layout layout;
-    } layouts[] = {{"View All", &CWsa::procViewAll},
-                   {"Planar", &CWsa::procPlanar},
-                   {"Topographic", &CWsa::procTopographic},
-                   {"Spectral", &CWsa::procSpectral}};
+        wsatest::Layout layout;
+    } layouts[] = {{"View All", wsatest::ViewAll},
+                   {"Planar", wsatest::PlanarOnly},
+                   {"Topographic", wsatest::TopoOnly},
+                   {"Spectral", wsatest::SpectralOnly}};
     for (const auto& l : layouts) {
-        fillFullState(423);
-        (w.*l.layout)();
+        wsatest::selectLayout(&w, 0, l.layout);
+        wsatest::fillFullState(423);
         bReferencePainting = false;
         frameMs(w, target, 20); // warm caches and learned tables
         const double fast = frameMs(w, target, 300);
@@ -147,11 +103,11 @@ int main(int argc, char** argv)
     }
 
     std::printf("\nPer sweep: parse + statistics + paint, View All, median of N sweeps\n");
-    w.procViewAll();
-    fillFullState(423);
+    wsatest::selectLayout(&w, 0, wsatest::ViewAll);
+    wsatest::fillFullState(423);
     bReferencePainting = false;
     const double fastSweep = sweepMs(w, target, link, 300);
-    fillFullState(423);
+    wsatest::fillFullState(423);
     bReferencePainting = true;
     const double referenceSweep = sweepMs(w, target, link, 30);
     bReferencePainting = false;
