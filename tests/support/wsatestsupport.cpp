@@ -203,8 +203,8 @@ void fillFullState(int samples, quint32 seed)
             const stRgb& m = colormap[rng.bounded(WSA_COLORMAP_SIZE)];
             historyColor[k + 1].color[c] = qRgb(m.r, m.g, m.b);
         }
-        const int t = k / 8; // eight sweeps a second
-        std::snprintf(historyTime[k], WSA_TIME_TEXT, "%02d:%02d:%02d", t / 3600 % 100, t / 60 % 60,
+        const unsigned t = unsigned(k) / 8; // eight sweeps a second
+        std::snprintf(historyTime[k], WSA_TIME_TEXT, "%02u:%02u:%02u", t / 3600 % 100, t / 60 % 60,
                       t % 60);
     }
     sweep_peak_max = 5000;
