@@ -1,7 +1,7 @@
 // The hardware abstraction stand-in: board look-ups and the EEPROM service.
 #include <QtTest>
 
-#include "cboardspec.h"
+#include "halboard.h"
 #include "plate2promserv.h"
 
 using namespace halmanager;

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "cboardspec.h"
+#include "halboard.h"
 #include "ccheckbox.h"
 #include "cmessagebox.h"
 #include "cwidgetstyle.h"

@@ -1,4 +1,4 @@
-#include "cboardspec.h"
+#include "halboard.h"
 
 namespace halmanager
 {

@@ -2,8 +2,8 @@
 //
 // On a desktop the board has the bus "UsbBus" with the device "USB_WIFI_SPY". For tests:
 // WSA_HAL_NO_BUS=1 removes the bus, WSA_HAL_NO_DEVICE=1 removes the device (read at each look-up).
-#ifndef CBOARDSPEC_H
-#define CBOARDSPEC_H
+#ifndef HALBOARD_H
+#define HALBOARD_H
 
 #include <QString>
 
