@@ -9,6 +9,7 @@
 #include "cpushbutton.h"
 #include "cradiobutton.h"
 #include "wsa_p.h"
+#include "cmessagebox.h"
 #include "wsatestsupport.h"
 
 class TestControls : public QObject
@@ -126,6 +127,18 @@ private slots:
             const QString de = german.translate("QObject", qPrintable(english[i]));
             QVERIFY2(de != english[i] && shown[i] == (i < 10 ? de : english[i]), qPrintable(de));
         }
+        // A box open at that moment is relabelled with the probe error.
+        QString title, text;
+        wsatest::onNextModal([&](QWidget* box) {
+            f.w->translate();
+            title = f.w->m_pMsg->title();
+            text = f.w->m_pMsg->text();
+            box->close();
+        });
+        f.w->popMsgBox(f.w, "Information", "Reach the max recording time", QMessageBox::Ok);
+        f.w->deleteMsgBox();
+        QCOMPARE(title, QString("Error"));
+        QVERIFY(text.startsWith("No WIFI SA USB is detected!\nPlease make sure"));
     }
 };
 
