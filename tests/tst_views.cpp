@@ -3,6 +3,7 @@
 // waterfall with its time labels, and the fast paint paths against the plain drawing.
 #include <QPainter>
 #include <QtTest>
+#include <climits>
 #include <tuple>
 
 #include "views.h"
@@ -290,6 +291,16 @@ private slots:
                 QVERIFY2(renderAnalyzer(f.w) == before, qPrintable(QString::number(n)));
                 QVERIFY(statistics() == counted);
             }
+    }
+
+    // A stored sweep keeps its levels unclamped; any of them maps one row inside the frame.
+    void extremeLevelsStayInside()
+    {
+        const QRect r = grid_rect_maximize;
+        for (int level : {INT_MIN, -1000000, -111, 0, INT_MAX})
+            QVERIFY(clampedRow(r, level) > r.top() && clampedRow(r, level) < r.bottom());
+        QCOMPARE(clampedRow(r, INT_MIN), r.bottom() - 1);
+        QCOMPARE(clampedRow(r, 0), r.top() + 1);
     }
 
     // Sample 5 of 6 seen `count` times at magnitude `level`; sample 6 too, beyond the sweep.
