@@ -18,7 +18,8 @@
 class CMessageBox;
 class QPainter;
 
-namespace halmanager {
+namespace halmanager
+{
 class CUsbWifiSpy;
 class PlatE2PromServ;
 } // namespace halmanager
@@ -131,6 +132,8 @@ protected:
 
 private:
     void buildControls(const QRect& toolRegion);
+    void setViewLayout(bool bPlanar, bool bTopographic, bool bSpectral);
+    void selectSideBar(bool bInspectorMode, bool bFrequencyMode, bool bSignatureMode);
 };
 
 int GetVersion(const char* sPath, char* pOut, size_t nOutLength);

@@ -1,5 +1,7 @@
 #include "cdialog.h"
 
+#include "framepaint.h"
+
 #include <QPainter>
 
 #include "cwidgetstyle.h"
@@ -54,14 +56,6 @@ void CDialog::paintEvent(QPaintEvent* event)
 {
     Q_UNUSED(event);
     QPainter painter(this);
-    if (m_background.isValid())
-        painter.fillRect(rect(), m_background);
-    if (m_borderWidth <= 0 || !m_border.isValid())
-        return;
-    const QRect r = rect();
     const int w = m_borderWidth;
-    painter.fillRect(QRect(r.left(), r.top(), r.width(), w), m_border);
-    painter.fillRect(QRect(r.left(), r.bottom() - w + 1, r.width(), w), m_border);
-    painter.fillRect(QRect(r.left(), r.top(), w, r.height()), m_border);
-    painter.fillRect(QRect(r.right() - w + 1, r.top(), w, r.height()), m_border);
+    paintFrame(painter, rect(), m_background, m_border, QMargins(w, w, w, w));
 }

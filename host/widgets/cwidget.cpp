@@ -1,5 +1,7 @@
 #include "cwidget.h"
 
+#include "framepaint.h"
+
 #include <QPainter>
 
 CWidget::CWidget(QWidget* parent) : QWidget(parent) {}
@@ -131,25 +133,8 @@ QMargins CWidget::borderWidth() const
 void CWidget::paintEvent(QPaintEvent* event)
 {
     Q_UNUSED(event);
-    const bool hasBorder = m_border.isValid() && !m_borderWidth.isNull();
-    if (!m_background.isValid() && !hasBorder)
+    if (!m_background.isValid() && (!m_border.isValid() || m_borderWidth.isNull()))
         return;
     QPainter painter(this);
-    const QRect r = rect();
-    if (m_background.isValid())
-        painter.fillRect(r, m_background);
-    if (!hasBorder)
-        return;
-    // Filled strips rather than stroked lines: exact pixels at any width, inside the widget.
-    const QMargins& b = m_borderWidth;
-    if (b.left() > 0)
-        painter.fillRect(QRect(r.left(), r.top(), b.left(), r.height()), m_border);
-    if (b.right() > 0)
-        painter.fillRect(QRect(r.right() - b.right() + 1, r.top(), b.right(), r.height()),
-                         m_border);
-    if (b.top() > 0)
-        painter.fillRect(QRect(r.left(), r.top(), r.width(), b.top()), m_border);
-    if (b.bottom() > 0)
-        painter.fillRect(QRect(r.left(), r.bottom() - b.bottom() + 1, r.width(), b.bottom()),
-                         m_border);
+    paintFrame(painter, rect(), m_background, m_border, m_borderWidth);
 }

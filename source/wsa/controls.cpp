@@ -118,6 +118,18 @@ void CWsa::buildControls(const QRect& toolRegion)
     bMax = true;
 }
 
+// The three side-bar modes exclude each other; each drops a placed outline and asks for the
+// traces to be redrawn under the new side bar.
+void CWsa::selectSideBar(bool bInspectorMode, bool bFrequencyMode, bool bSignatureMode)
+{
+    m_bInspector = bInspectorMode;
+    m_bFrequency = bFrequencyMode;
+    m_bSignature = bSignatureMode;
+    m_bSignatureUpdate = false;
+    pGbFrequency->setVisible(bFrequencyMode);
+    m_bUpdate = true;
+}
+
 void CWsa::onBtnClicked()
 {
     auto* button = qobject_cast<CPushButton*>(sender());
@@ -145,29 +157,14 @@ void CWsa::onBtnClicked()
         leaveSignature(false);
         procSpectral();
     } else if (button == pBtInspector) {
-        m_bInspector = true;
-        m_bFrequency = false;
-        m_bSignature = false;
-        m_bSignatureUpdate = false;
-        pGbFrequency->setVisible(false);
+        selectSideBar(true, false, false);
         m_bInspectorUpdate = false;
-        m_bUpdate = true;
         update();
     } else if (button == pBtFrequency) {
-        m_bInspector = false;
-        m_bFrequency = true;
-        m_bSignature = false;
-        m_bSignatureUpdate = false;
-        pGbFrequency->setVisible(true);
-        m_bUpdate = true;
+        selectSideBar(false, true, false);
         update();
     } else if (button == pBtSignatures) {
-        m_bInspector = false;
-        m_bFrequency = false;
-        m_bSignature = true;
-        m_bSignatureUpdate = false;
-        pGbFrequency->setVisible(false);
-        m_bUpdate = true;
+        selectSideBar(false, false, true);
         createSignatureSetDia();
         update();
     }

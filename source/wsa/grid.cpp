@@ -262,36 +262,34 @@ int CWsa::resizeGrid()
     return 0;
 }
 
-void CWsa::procViewAll()
+// The layout handlers change only flags and the cell height: the rectangles of every layout are
+// laid out once by resizeGrid. The trace check boxes belong to the Planar view.
+void CWsa::setViewLayout(bool bPlanar, bool bTopographic, bool bSpectral)
 {
-    setViewFlags(true, true, true);
-    showTraceBoxes(true);
+    setViewFlags(bPlanar, bTopographic, bSpectral);
+    showTraceBoxes(bPlanar);
     m_bInspectorUpdate = false;
     update();
+}
+
+void CWsa::procViewAll()
+{
+    setViewLayout(true, true, true);
 }
 
 void CWsa::procPlanar()
 {
-    setViewFlags(true, false, false);
-    showTraceBoxes(true);
-    m_bInspectorUpdate = false;
-    update();
+    setViewLayout(true, false, false);
 }
 
 void CWsa::procTopographic()
 {
-    setViewFlags(false, true, false);
-    showTraceBoxes(false);
-    m_bInspectorUpdate = false;
-    update();
+    setViewLayout(false, true, false);
 }
 
 void CWsa::procSpectral()
 {
-    setViewFlags(false, false, true);
-    showTraceBoxes(false);
-    m_bInspectorUpdate = false;
-    update();
+    setViewLayout(false, false, true);
 }
 
 bool drawGridAround(QPainter* pPainter, const QRect& rect, int cell_w, int cell_h,
