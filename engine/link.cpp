@@ -7,9 +7,6 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-namespace
-{
-
 // The analyzer never writes to us, so anything readable means it closed or reset the link.
 bool peerGone(int fd)
 {
@@ -25,6 +22,9 @@ bool peerGone(int fd)
         return errno != EAGAIN && errno != EWOULDBLOCK;
     }
 }
+
+namespace
+{
 
 long msUntil(const timespec& deadline)
 {

@@ -16,6 +16,9 @@ enum class SendResult { Sent, PeerGone, Failed };
 // Writes the first `bytes` bytes of the record, however many calls that takes.
 SendResult sendRecord(int fd, const stSweep& record, std::size_t bytes = SA_RECORD_SIZE);
 
+// Whether the analyzer closed or reset the link; it never writes to us.
+bool peerGone(int fd);
+
 // Waits until the monotonic clock reaches `deadline`; false as soon as the peer has closed.
 bool waitUntil(int fd, const timespec& deadline);
 

@@ -53,18 +53,57 @@ void readSeed(std::uint64_t& target)
     target = n;
 }
 
-void readRate(double& target)
+// A number in [min, max] (above min when openMin).
+bool readNumber(const char* name, double& target, double min, double max, bool openMin,
+                const char* expected)
 {
-    const char* value = envValue("WSA_SIM_RATE");
+    const char* value = envValue(name);
+    if (!value)
+        return false;
+    char* end = nullptr;
+    const double number = std::strtod(value, &end);
+    if (*end != '\0' || !std::isfinite(number) || number < min || number > max ||
+        (openMin && number == min)) {
+        warnIgnored(name, value, expected);
+        return false;
+    }
+    target = number;
+    return true;
+}
+
+void readString(const char* name, std::string& target)
+{
+    if (const char* value = envValue(name))
+        target = value;
+}
+
+void readSource(Options& options)
+{
+    const char* value = envValue("WSA_SOURCE");
     if (!value)
         return;
-    char* end = nullptr;
-    const double rate = std::strtod(value, &end);
-    if (*end != '\0' || !std::isfinite(rate) || rate < 0 || rate > kMaxRate) {
-        warnIgnored("WSA_SIM_RATE", value, "sweeps per second, 0 to 1000");
+    options.sourceName = value;
+    if (std::strcmp(value, "sim") == 0)
+        options.source = Source::Sim;
+    else if (std::strcmp(value, "hackrf") == 0)
+        options.source = Source::HackRf;
+    else if (std::strcmp(value, "replay") == 0)
+        options.source = Source::Replay;
+    else
+        options.source = Source::Unknown;
+}
+
+void readDetector(Detector& target)
+{
+    const char* value = envValue("WSA_DETECTOR");
+    if (!value)
         return;
-    }
-    target = rate;
+    if (std::strcmp(value, "peak") == 0)
+        target = Detector::Peak;
+    else if (std::strcmp(value, "average") == 0)
+        target = Detector::Average;
+    else
+        warnIgnored("WSA_DETECTOR", value, "peak or average");
 }
 
 void readFlag(const char* name, bool& target)
@@ -113,12 +152,28 @@ Options parseOptions(int argc, char* const argv[])
     }
 
     readSeed(options.seed);
-    readRate(options.rate);
+    readNumber("WSA_SIM_RATE", options.rate, 0, kMaxRate, false, "sweeps per second, 0 to 1000");
     readFlag("WSA_SIM_NO_PROBE", options.noProbe);
     readCount("WSA_SIM_LOSE_AFTER", options.loseAfter);
     readCount("WSA_SIM_DIE_AFTER", options.dieAfter);
     readCount("WSA_SIM_SHORT_AFTER", options.shortAfter);
     readCount("WSA_SIM_CORRUPT_AFTER", options.corruptAfter);
     readCount("WSA_SIM_SWEEPS", options.sweeps);
+
+    readSource(options);
+    readDetector(options.detector);
+    readNumber("WSA_OUTPUT_RATE", options.outputRate, 0, kMaxRate, true,
+               "records per second, above 0 up to 1000");
+    options.offsetSet =
+        readNumber("WSA_LEVEL_OFFSET_DB", options.offsetDb, -200, 200, false, "dB, -200 to 200");
+    // Set but empty means "do not record" (getenv of an empty value gives no directory).
+    readString("WSA_RECORD_DIR", options.recordDir);
+    readString("WSA_REPLAY_FILE", options.replayFile);
+    readNumber("WSA_REPLAY_SPEED", options.replaySpeed, 0, kMaxRate, true,
+               "a factor above 0 up to 1000");
+    readString("WSA_HACKRF_SWEEP", options.hackrfSweep);
+    double binHz = double(options.hackrfBinHz);
+    if (readNumber("WSA_HACKRF_BIN_HZ", binHz, 2445, 5000000, false, "Hz, 2445 to 5000000"))
+        options.hackrfBinHz = std::lround(binHz);
     return options;
 }

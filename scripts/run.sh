@@ -1,16 +1,38 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and starts the stand-alone analyzer with our engine and its
-# simulated probe. Without a display the window is served over VNC on localhost:5900.
+# Installs what is missing, builds, and starts the stand-alone analyzer with our engine, which
+# records every sweep into run/recordings/. Arguments go to the program:
+#   scripts/run.sh --source hackrf
+#   scripts/run.sh --replay run/recordings/wsa-20240301-123005-2g4.csv
+#   scripts/run.sh --no-record
+# Without a display the window is served over VNC on localhost:5900.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup.sh"
 "$root/scripts/build.sh" "$root/build"
 
-# The engine socket (SERVERSOCK) and the test results live in a working directory of their own.
+# The program runs in run/, so paths given relative to here are made absolute first.
+args=()
+path_next=0
+for arg in "$@"; do
+    if ((path_next)); then
+        arg=$(realpath -m -- "$arg")
+        path_next=0
+    else
+        case "$arg" in
+        --replay | --record) path_next=1 ;;
+        --replay=* | --record=*) arg="${arg%%=*}=$(realpath -m -- "${arg#*=}")" ;;
+        esac
+    fi
+    args+=("$arg")
+done
+
+# The engine socket (SERVERSOCK), the test results and the recordings live in a working
+# directory of their own.
 work="$root/run"
 mkdir -p "$work/results"
 export WSA_ENGINE_PATH="$root/build/engine/wsa_raw"
 export WSA_RESULT_DIR="${WSA_RESULT_DIR:-$work/results}"
+export WSA_RECORD_DIR="${WSA_RECORD_DIR-$work/recordings}"
 cd "$work"
 
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ] && [ -z "${QT_QPA_PLATFORM:-}" ]; then
@@ -18,4 +40,4 @@ if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ] && [ -z "${QT_QPA_PLAT
     echo "No display: the analyzer is served over VNC. Connect a viewer to localhost:5900"
     echo "(for example: vncviewer localhost:5900). Stop it with Ctrl+C."
 fi
-exec "$root/build/source/wsa" "$@"
+exec "$root/build/source/wsa" ${args[@]+"${args[@]}"}

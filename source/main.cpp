@@ -1,17 +1,116 @@
 // Stand-alone analyzer: the analyzer window without the host.
+//
+// The analyzer starts its engine with a fixed command line, so the options here only set the
+// engine's environment (WSA_SOURCE, WSA_REPLAY_FILE, WSA_RECORD_DIR), which it inherits.
 #include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
 #include <cstdio>
 
 #include "wsa.h"
 
+#ifndef WSA_VERSION
+#define WSA_VERSION "unknown"
+#endif
+
+namespace standalone
+{
+
+// Exit status of a command line that cannot be used.
+constexpr int kUsageError = 2;
+
+int usageError(const QString& message)
+{
+    std::fprintf(stderr, "wsa: %s\nTry 'wsa --help'.\n", qPrintable(message));
+    return kUsageError;
+}
+
+// Puts the options into the environment. Returns -1 to go on and show the analyzer, else the
+// exit status (after --help, --version or a mistake). Without options nothing changes.
+int applyOptions(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        "Wi-Fi spectrum analyzer. Its engine, wsa_raw, measures with a simulated probe, a HackRF "
+        "(hackrf_sweep) or a recording, and can record what it sends.");
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption source("source", "Where sweeps come from: sim, hackrf or replay.",
+                                    "sim|hackrf|replay");
+    const QCommandLineOption replay("replay", "Replay a recording (implies --source replay).",
+                                    "FILE");
+    const QCommandLineOption record("record", "Record every sweep shown into a new file in DIR.",
+                                    "DIR");
+    const QCommandLineOption noRecord("no-record", "Do not record.");
+    parser.addOptions({source, replay, record, noRecord});
+
+    if (!parser.parse(arguments))
+        return usageError(parser.errorText());
+    if (parser.isSet(help)) {
+        std::fputs(qPrintable(parser.helpText()), stdout);
+        return 0;
+    }
+    if (parser.isSet(version)) {
+        std::printf("%s %s\n", qPrintable(QCoreApplication::applicationName()),
+                    qPrintable(QCoreApplication::applicationVersion()));
+        return 0;
+    }
+    if (!parser.positionalArguments().isEmpty())
+        return usageError("unexpected argument: " + parser.positionalArguments().first());
+
+    QString sourceName = parser.value(source);
+    if (parser.isSet(source) && !QStringList{"sim", "hackrf", "replay"}.contains(sourceName))
+        return usageError("unknown source: " + sourceName + " (use sim, hackrf or replay)");
+    if (parser.isSet(replay)) {
+        if (parser.isSet(source) && sourceName != "replay")
+            return usageError("--replay plays a recording; it cannot go with --source " +
+                              sourceName);
+        sourceName = "replay";
+    }
+    if (parser.isSet(record) && parser.isSet(noRecord))
+        return usageError("--record and --no-record exclude each other");
+
+    // Paths are made absolute: the engine runs in the analyzer's working directory.
+    if (!sourceName.isEmpty())
+        qputenv("WSA_SOURCE", sourceName.toLocal8Bit());
+    if (parser.isSet(replay))
+        qputenv("WSA_REPLAY_FILE",
+                QFileInfo(parser.value(replay)).absoluteFilePath().toLocal8Bit());
+    if (parser.isSet(record))
+        qputenv("WSA_RECORD_DIR", QFileInfo(parser.value(record)).absoluteFilePath().toLocal8Bit());
+    // Set but empty: a desktop build fills in a default only when the variable is unset.
+    if (parser.isSet(noRecord))
+        qputenv("WSA_RECORD_DIR", QByteArray(""));
+    return -1;
+}
+
+// Shows the analyzer until its window is closed. Without a host to receive its request to
+// close (no probe, or the probe lost), the program ends instead, with status 1.
+int runAnalyzer()
+{
+    wsaInstallTranslator();
+    CWsa w;
+    QObject::connect(&w, &CWsa::sigClose, [] {
+        std::puts("wsa: closing: the analyzer asked to close because it has no probe to measure "
+                  "with (none found, or the probe was lost)");
+        QCoreApplication::exit(1);
+    });
+    w.setGeometry(0, 60, 800, 400);
+    w.show();
+    return QApplication::exec();
+}
+
+} // namespace standalone
+
+#ifndef WSA_STANDALONE_NO_MAIN
 int main(int argc, char** argv)
 {
     // Console diagnostics should show as they happen, also when the output goes to a log file.
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     QApplication a(argc, argv);
-    wsaInstallTranslator();
-    CWsa w;
-    w.setGeometry(0, 60, 800, 400);
-    w.show();
-    return a.exec();
+    QCoreApplication::setApplicationName("wsa");
+    QCoreApplication::setApplicationVersion(WSA_VERSION);
+    const int status = standalone::applyOptions(QCoreApplication::arguments());
+    return status >= 0 ? status : standalone::runAnalyzer();
 }
+#endif

@@ -16,12 +16,14 @@ struct Engine {
     int samples;
     std::vector<int> levels; // of every sweep read so far
 
-    // Fast sweeps unless `env` ("NAME=value ...") sets the rate.
+    // Fast sweeps, each sent as it comes, unless `env` ("NAME=value ...") sets the rates.
     // Listens only a while after the start, as the analyzer does: the engine has to retry.
     Engine(const QStringList& args, const QString& env = {})
         : samples(args.join(' ') == "-r 2" ? 1024 : 423)
     {
-        proc.setEnvironment(QProcess::systemEnvironment() << "WSA_SIM_RATE=200" << env.split(' '));
+        proc.setEnvironment(QProcess::systemEnvironment()
+                            << "WSA_SIM_RATE=200"
+                            << "WSA_OUTPUT_RATE=200" << env.split(' '));
         proc.setWorkingDirectory(dir.path());
         // Under a name of its own: analyzers in concurrent tests kill engines by name.
         QFile::link(WSA_ENGINE_BIN, dir.filePath("engine"));
@@ -124,7 +126,9 @@ void TestEngine::sameSeedSameBytes()
 {
     QByteArray runs[3];
     for (int i = 0; i < 3; ++i) {
-        Engine e({"-r 2"}, i < 2 ? "WSA_SIM_SEED=7" : "WSA_SIM_SEED=8");
+        // Slow enough that a busy machine never makes the output stage combine two sweeps.
+        Engine e({"-r 2"},
+                 QString("WSA_SIM_RATE=50 WSA_OUTPUT_RATE=50 WSA_SIM_SEED=%1").arg(i < 2 ? 7 : 8));
         runs[i].resize(20 * SA_RECORD_SIZE);
         QCOMPARE(recv(e.link, runs[i].data(), size_t(runs[i].size()), MSG_WAITALL),
                  ssize_t(runs[i].size()));
