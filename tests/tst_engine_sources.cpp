@@ -1,0 +1,425 @@
+// The engine's radio and recording sources as the analyzer sees them: a stand-in hackrf_sweep
+// (tests/stand-ins) feeds the hackrf source; recordings are made with the simulated probe and
+// played back. Every engine runs in its own directory and is read on its ./SERVERSOCK.
+#include <QtTest>
+#include <cmath>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "halbrin_sa.h"
+
+namespace
+{
+
+const QString kStandIn = WSA_SOURCE_DIR "/tests/stand-ins/hackrf_sweep";
+
+// The analyzer's bins: 423 over 2400..2490 MHz, or 904 of 1024 raw over 5160..5835 MHz.
+struct Band {
+    bool high;
+    double startMHz() const { return high ? 5160 : 2400; }
+    double stepMHz() const { return high ? 675.0 / 903 : 90.0 / 422; }
+    int shown() const { return high ? 904 : 423; }
+    int raw() const { return high ? 1024 : 423; }
+    int floor() const { return high ? -100 : -110; }
+    double mhz(int bin) const { return startMHz() + bin * stepMHz(); }
+};
+
+// One engine and the analyzer's end of its link. Only the given WSA_* and STANDIN_* settings
+// reach it. Every wait is bounded.
+struct Run {
+    QTemporaryDir dir;
+    QProcess proc;
+    int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+    int link = -1;
+
+    explicit Run(const QStringList& env, const QStringList& args = {})
+    {
+        QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
+        for (const QString& key : e.keys())
+            if (key.startsWith("WSA_") || key.startsWith("STANDIN_"))
+                e.remove(key);
+        for (const QString& setting : env)
+            e.insert(setting.section('=', 0, 0), setting.section('=', 1));
+        proc.setProcessEnvironment(e);
+        proc.setWorkingDirectory(dir.path());
+        sockaddr_un addr{AF_UNIX, {}};
+        qstrncpy(addr.sun_path, qPrintable(dir.filePath("SERVERSOCK")), sizeof addr.sun_path);
+        bind(listener, reinterpret_cast<sockaddr*>(&addr), sizeof addr);
+        listen(listener, 1);
+        // Under a name of its own: analyzers in concurrent tests kill engines by name.
+        QFile::link(WSA_ENGINE_BIN, dir.filePath("engine"));
+        proc.start(dir.filePath("engine"), args);
+        pollfd p{listener, POLLIN, 0};
+        if (poll(&p, 1, 5000) == 1)
+            link = accept(listener, nullptr, nullptr);
+        const timeval timeout{5, 0};
+        setsockopt(link, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+    }
+    ~Run()
+    {
+        close(link), close(listener);
+        proc.kill(), proc.waitForFinished();
+    }
+
+    // The next record; type 0 when none came within timeoutMs, -1 when the link closed.
+    stSweep next(int timeoutMs = 5000)
+    {
+        stSweep r{};
+        pollfd p{link, POLLIN, 0};
+        if (poll(&p, 1, timeoutMs) != 1)
+            return r;
+        const ssize_t n = recv(link, &r, sizeof r, MSG_WAITALL);
+        if (n != ssize_t(sizeof r))
+            r.type = -1;
+        return r;
+    }
+    // The next sweep, skipping nothing: anything else fails the caller's check.
+    bool nextSweep(stSweep& r, int samples)
+    {
+        r = next();
+        return r.type == SA_MSG_SWEEP && r.num_samples == samples;
+    }
+    // Lines the engine itself wrote to stderr, once it has ended.
+    QStringList complaints()
+    {
+        proc.waitForFinished(5000);
+        const QStringList lines = QString(proc.readAllStandardError()).split('\n');
+        return lines.filter(QRegularExpression("^wsa_raw: "));
+    }
+};
+
+QStringList standIn(const QStringList& more = {})
+{
+    return QStringList{"WSA_SOURCE=hackrf", "WSA_HACKRF_SWEEP=" + kStandIn,
+                       "WSA_HACKRF_BIN_HZ=1000000", "WSA_LEVEL_OFFSET_DB=-20"} +
+           more;
+}
+
+bool isConfigured(const stSweep& r, const Band& band)
+{
+    return r.type == SA_MSG_CONFIGURED && r.num_samples == band.raw() &&
+           r.data[0] == band.startMHz() && r.data[1] == (band.high ? 5835 : 2490) &&
+           r.data[2] == std::lround(band.stepMHz() * 1000);
+}
+
+} // namespace
+
+class TestEngineSources : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        // Children of ended engines come to us, so we can tell that they end and collect them.
+        prctl(PR_SET_CHILD_SUBREAPER, 1);
+    }
+
+    void hackrfLevels_data();
+    void hackrfLevels();
+    void hackrfFaults_data();
+    void hackrfFaults();
+    void paceAndNeverQueue();
+    void noOrphanSweeper_data();
+    void noOrphanSweeper();
+    void recordAndReplay_data();
+    void recordAndReplay();
+    void replayRefuses_data();
+    void replayRefuses();
+    void recordingFailureKeepsMeasuring();
+    void documentedSampleLineParses();
+};
+
+// The stand-in reads -70 dB everywhere but in the 1 MHz bin from signalMHz, where it alternates
+// -30 and -50 dB from sweep to sweep; the offset is -20 dB. Several sweeps arrive per record.
+void TestEngineSources::hackrfLevels_data()
+{
+    QTest::addColumn<bool>("high");
+    QTest::addColumn<QStringList>("env");
+    QTest::addColumn<int>("signalMHz");
+    QTest::addColumn<int>("lowest"); // of the signal bins, after the detector
+    QTest::addColumn<int>("highest");
+    QTest::newRow("2.4 GHz, peak") << false << QStringList() << 2437 << -50 << -50;
+    // Mean power of a mix of -30 and -50 dB sweeps, minus 20: within -56..-51.
+    QTest::newRow("2.4 GHz, average")
+        << false << QStringList{"WSA_DETECTOR=average"} << 2437 << -56 << -51;
+    // A record may then hold a single odd sweep.
+    QTest::newRow("2.4 GHz, five sweeps per write, band edge")
+        << false << QStringList{"STANDIN_BURST=5", "STANDIN_RATE=8", "STANDIN_SIGNAL_MHZ=2489"}
+        << 2489 << -70 << -50;
+    QTest::newRow("5 GHz, peak") << true << QStringList{"STANDIN_SIGNAL_MHZ=5500"} << 5500 << -50
+                                 << -50;
+}
+
+void TestEngineSources::hackrfLevels()
+{
+    QFETCH(bool, high);
+    QFETCH(QStringList, env);
+    QFETCH(int, signalMHz);
+    QFETCH(int, lowest);
+    QFETCH(int, highest);
+    const Band band{high};
+    Run run(standIn(env), high ? QStringList{"-r 2"} : QStringList());
+    QVERIFY(isConfigured(run.next(), band));
+    // The first record may hold a single sweep; the later ones combine several.
+    stSweep r;
+    QVERIFY(run.nextSweep(r, band.raw()));
+    for (int k = 0; k < 3; ++k) {
+        QVERIFY(run.nextSweep(r, band.raw()));
+        int signalBins = 0;
+        for (int i = 0; i < band.raw(); ++i) {
+            const double mhz = band.mhz(i);
+            const bool inSignal = i < band.shown() && mhz >= signalMHz && mhz < signalMHz + 1;
+            const bool inBand = i < band.shown();
+            const int level = r.data[i];
+            signalBins += inSignal;
+            if (inSignal)
+                QVERIFY2(level >= lowest && level <= highest, qPrintable(QString::number(level)));
+            else
+                QCOMPARE(level, inBand ? -90 : band.floor());
+        }
+        QVERIFY(signalBins >= 1);
+    }
+}
+
+void TestEngineSources::hackrfFaults_data()
+{
+    QTest::addColumn<QStringList>("env");
+    QTest::addColumn<QString>("records"); // C configured, S sweep, D disconnect, N no probe
+    QTest::newRow("program missing")
+        << QStringList{"WSA_SOURCE=hackrf", "WSA_HACKRF_SWEEP=/nonexistent/hackrf_sweep"} << "N";
+    QTest::newRow("device fails to open") << standIn({"STANDIN_FAIL=1"}) << "N";
+    QTest::newRow("ends before its first row") << standIn({"STANDIN_SWEEPS=0"}) << "N";
+    QTest::newRow("lost mid-run, last line cut")
+        << standIn({"STANDIN_SWEEPS=40", "STANDIN_RATE=40"}) << "CSSSSD";
+    QTest::newRow("unknown source") << QStringList{"WSA_SOURCE=radio"} << "N";
+}
+
+void TestEngineSources::hackrfFaults()
+{
+    QFETCH(QStringList, env);
+    QFETCH(QString, records);
+    Run run(env);
+    const QHash<QChar, int> types{{'C', SA_MSG_CONFIGURED},
+                                  {'S', SA_MSG_SWEEP},
+                                  {'D', SA_MSG_DISCONNECT},
+                                  {'N', SA_MSG_NO_DEVICE}};
+    QString seen;
+    for (stSweep r = run.next(); r.type > 0; r = run.next(1000)) {
+        const QChar kind = types.key(r.type, '?');
+        // A second of sweeps makes about 8 records; the test needs only a few.
+        if (!(kind == 'S' && seen.endsWith("SSSS")))
+            seen += kind;
+    }
+    QCOMPARE(seen, records);
+    // The engine ends after a fault record, saying why in one line.
+    const QStringList lines = run.complaints();
+    QCOMPARE(run.proc.state(), QProcess::NotRunning);
+    QCOMPARE(lines.size(), records.endsWith('S') ? 0 : 1);
+}
+
+// At most WSA_OUTPUT_RATE records a second however fast the sweeps come; while the analyzer
+// does not read, at most one record waits, and reading resumes with a current one.
+void TestEngineSources::paceAndNeverQueue()
+{
+    Run run(standIn({"STANDIN_RATE=50", "WSA_OUTPUT_RATE=5"}));
+    QVERIFY(isConfigured(run.next(), Band{false}));
+    stSweep r;
+    QVERIFY(run.nextSweep(r, 423));
+    QElapsedTimer clock;
+    clock.start();
+    int records = 0;
+    while (clock.elapsed() < 2000)
+        records += run.next(2000 - int(clock.elapsed())).type == SA_MSG_SWEEP;
+    QVERIFY2(records >= 8 && records <= 11, qPrintable(QString::number(records)));
+
+    QTest::qWait(1500); // a message box is open
+    int waiting = 0;
+    ioctl(run.link, FIONREAD, &waiting);
+    QVERIFY2(waiting <= SA_RECORD_SIZE, qPrintable(QString::number(waiting)));
+    QVERIFY(run.nextSweep(r, 423));
+    clock.restart();
+    QVERIFY(run.nextSweep(r, 423));
+    QVERIFY2(clock.elapsed() <= 300, qPrintable(QString::number(clock.elapsed())));
+}
+
+void TestEngineSources::noOrphanSweeper_data()
+{
+    QTest::addColumn<bool>("killed");
+    QTest::newRow("engine killed") << true;
+    QTest::newRow("analyzer leaves") << false;
+}
+
+void TestEngineSources::noOrphanSweeper()
+{
+    QFETCH(bool, killed);
+    QTemporaryDir tmp;
+    const QString pidFile = tmp.filePath("pid");
+    Run run(standIn({"STANDIN_PIDFILE=" + pidFile}));
+    QVERIFY(isConfigured(run.next(), Band{false}));
+    QFile f(pidFile);
+    QVERIFY(f.open(QIODevice::ReadOnly));
+    const pid_t sweeper = f.readAll().trimmed().toInt();
+    QVERIFY(sweeper > 0 && kill(sweeper, 0) == 0);
+    if (killed)
+        run.proc.kill(); // as killall -9 wsa_raw does
+    else
+        shutdown(run.link, SHUT_RDWR);
+    QVERIFY(run.proc.waitForFinished(5000));
+    // As our orphan it would never end; ended, it is ours to collect.
+    QDeadlineTimer deadline(3000);
+    pid_t reaped = 0;
+    while (reaped == 0 && !deadline.hasExpired()) {
+        reaped = waitpid(sweeper, nullptr, WNOHANG);
+        QTest::qWait(reaped == 0 ? 20 : 0);
+    }
+    QVERIFY(kill(sweeper, 0) == -1 && errno == ESRCH);
+}
+
+void TestEngineSources::recordAndReplay_data()
+{
+    QTest::addColumn<bool>("high");
+    QTest::addColumn<bool>("cut");
+    QTest::newRow("2.4 GHz") << false << false;
+    QTest::newRow("5 GHz") << true << false;
+    QTest::newRow("2.4 GHz, last row cut") << false << true;
+}
+
+void TestEngineSources::recordAndReplay()
+{
+    QFETCH(bool, high);
+    QFETCH(bool, cut);
+    const Band band{high};
+    const QStringList bandArgs = high ? QStringList{"-r 2"} : QStringList();
+    QTemporaryDir tmp;
+    const QString recordings = tmp.filePath("rec/dings");
+    QList<QVector<int>> sent;
+    {
+        Run run({"WSA_SIM_RATE=20", "WSA_OUTPUT_RATE=20", "WSA_SIM_SWEEPS=12",
+                 "WSA_RECORD_DIR=" + recordings},
+                bandArgs);
+        QCOMPARE(run.next().type, char(SA_MSG_CONFIGURED));
+        for (stSweep r = run.next(1000); r.type == SA_MSG_SWEEP; r = run.next(1000))
+            sent << QVector<int>(r.data, r.data + band.shown());
+    }
+    QVERIFY(sent.size() >= 10);
+    const QStringList files = QDir(recordings).entryList(QDir::Files);
+    QCOMPARE(files.size(), 1);
+    QVERIFY(files[0].endsWith(high ? "-5g.csv" : "-2g4.csv"));
+    QString file = QDir(recordings).filePath(files[0]);
+    if (cut) {
+        QFile f(file);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QByteArray text = f.readAll();
+        // Half of the last row, without its end.
+        const int lastRow = int(text.lastIndexOf('\n', text.size() - 2)) + 1;
+        text.truncate(lastRow + (text.size() - lastRow) / 2);
+        file = tmp.filePath("cut.csv");
+        QFile out(file);
+        QVERIFY(out.open(QIODevice::WriteOnly) && out.write("# a comment line\n" + text) > 0);
+        sent.removeLast();
+    }
+
+    Run replay({"WSA_SOURCE=replay", "WSA_REPLAY_FILE=" + file, "WSA_OUTPUT_RATE=100"}, bandArgs);
+    QVERIFY(isConfigured(replay.next(), band));
+    for (const QVector<int>& levels : sent) {
+        stSweep r;
+        QVERIFY(replay.nextSweep(r, band.raw()));
+        QCOMPARE(QVector<int>(r.data, r.data + band.shown()), levels);
+        for (int i = band.shown(); i < band.raw(); ++i)
+            QCOMPARE(r.data[i], band.floor());
+    }
+    // At its end the replay stays connected and sends nothing more.
+    QCOMPARE(replay.next(700).type, char(0));
+    QVERIFY(!replay.proc.waitForFinished(100));
+}
+
+void TestEngineSources::replayRefuses_data()
+{
+    QTest::addColumn<QString>("content"); // of the file; null: no file
+    QTest::addColumn<QStringList>("args");
+    const QString row24 = "2024-03-01, 12:30:05.25, 2400000000, 2405000000, 1000000.00, 20, -70, "
+                          "-71, -72, -73, -74\n";
+    QTest::newRow("missing file") << QString() << QStringList();
+    QTest::newRow("no usable row")
+        << "date, time, hz_low\nnonsense\n2024-03-01, 12:30:05, 2400000000, 2405000000, "
+           "1000000.00, 20, -70, -71\n"
+        << QStringList();
+    QTest::newRow("only a cut row") << row24.left(60) << QStringList();
+    QTest::newRow("other band") << row24 << QStringList{"-r 2"};
+}
+
+void TestEngineSources::replayRefuses()
+{
+    QFETCH(QString, content);
+    QFETCH(QStringList, args);
+    QTemporaryDir tmp;
+    const QString file = tmp.filePath("recording.csv");
+    if (!content.isNull()) {
+        QFile f(file);
+        QVERIFY(f.open(QIODevice::WriteOnly) && f.write(content.toLatin1()) > 0);
+    }
+    Run run({"WSA_SOURCE=replay", "WSA_REPLAY_FILE=" + file}, args);
+    QCOMPARE(run.next().type, char(SA_MSG_NO_DEVICE));
+    QCOMPARE(run.complaints().size(), 1);
+}
+
+void TestEngineSources::recordingFailureKeepsMeasuring()
+{
+    QTemporaryDir tmp;
+    QFile blocker(tmp.filePath("file"));
+    QVERIFY(blocker.open(QIODevice::WriteOnly));
+    Run run({"WSA_SIM_RATE=20", "WSA_OUTPUT_RATE=20", "WSA_SIM_SWEEPS=3",
+             "WSA_RECORD_DIR=" + blocker.fileName()});
+    QCOMPARE(run.next().type, char(SA_MSG_CONFIGURED));
+    stSweep r;
+    for (int k = 0; k < 3; ++k)
+        QVERIFY(run.nextSweep(r, 423));
+    shutdown(run.link, SHUT_RDWR);
+    const QStringList lines = run.complaints();
+    QCOMPARE(lines.size(), 1);
+    QVERIFY2(lines[0].contains("not recording"), qPrintable(lines[0]));
+}
+
+// The README shows a line of hackrf_sweep output; replayed as it stands, each analyzer bin whose
+// centre lies in one of its bins reads that bin's level, whole dBm.
+void TestEngineSources::documentedSampleLineParses()
+{
+    QFile readme(WSA_SOURCE_DIR "/README.md");
+    QVERIFY(readme.open(QIODevice::ReadOnly));
+    const QStringList samples =
+        QString(readme.readAll()).split('\n').filter(QRegularExpression("^\\d{4}-\\d\\d-\\d\\d, "));
+    QVERIFY(!samples.isEmpty());
+    for (const QString& line : samples) {
+        QTemporaryDir tmp;
+        QFile f(tmp.filePath("sample.csv"));
+        QVERIFY(f.open(QIODevice::WriteOnly) && f.write((line + "\n").toLatin1()) > 0);
+        f.close();
+        const QStringList fields = line.split(',');
+        const double lowMHz = fields[2].toDouble() / 1e6, binMHz = fields[4].toDouble() / 1e6;
+        const bool high = lowMHz > 5000;
+        const Band band{high};
+        Run run({"WSA_SOURCE=replay", "WSA_REPLAY_FILE=" + f.fileName()},
+                high ? QStringList{"-r 2"} : QStringList());
+        QVERIFY(isConfigured(run.next(), band));
+        stSweep r;
+        QVERIFY(run.nextSweep(r, band.raw()));
+        int matched = 0;
+        for (int i = 0; i < band.shown(); ++i) {
+            const int k = int(std::floor((band.mhz(i) - lowMHz) / binMHz));
+            if (k < 0 || 6 + k >= fields.size())
+                continue;
+            QCOMPARE(r.data[i], int(std::lround(fields[6 + k].toDouble())));
+            ++matched;
+        }
+        QVERIFY(matched > 0);
+    }
+}
+
+QTEST_GUILESS_MAIN(TestEngineSources)
+#include "tst_engine_sources.moc"
