@@ -97,6 +97,19 @@ bool Output::sendStatus(char type)
     return sendRecord(m_fd, record) == SendResult::Sent;
 }
 
+WaitResult Output::waitForReader()
+{
+    while (!analyzerHasRead()) {
+        pollfd pfd{m_fd, POLLIN, 0};
+        const int ready = poll(&pfd, 1, int(kRecheckNs / 1000000));
+        if (ready < 0 && errno != EINTR)
+            return WaitResult::Failed;
+        if (ready > 0 && peerGone(m_fd))
+            return WaitResult::PeerGone;
+    }
+    return WaitResult::Deadline;
+}
+
 WaitResult Output::waitFor(int sourceFd, long long deadlineNs)
 {
     for (;;) {

@@ -28,6 +28,9 @@ public:
     // until monotonicNs() reaches deadlineNs (< 0: no deadline), sourceFd (>= 0) is readable or
     // the analyzer has gone. Returns which came first.
     WaitResult waitFor(int sourceFd, long long deadlineNs);
+    // Waits until the analyzer has read everything sent so far (it reads nothing while a message
+    // box is open); Deadline once it has.
+    WaitResult waitForReader();
     // Sends a status record at once, ahead of anything pending.
     bool sendStatus(char type);
     long sent() const { return m_sent; }

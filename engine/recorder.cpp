@@ -43,29 +43,38 @@ char* putInt(char* p, long long v)
 
 } // namespace
 
-Recorder::Recorder(const char* dir, Band band) : m_grid(bandGrid(band))
+Recorder::Recorder(const char* dir, Band band) : m_grid(bandGrid(band)), m_dir(dir)
 {
     const time_t now = time(nullptr);
     tm local;
     localtime_r(&now, &local);
     char name[64];
     strftime(name, sizeof name, "wsa-%Y%m%d-%H%M%S", &local);
-    const std::string base = std::string(dir) + "/" + name + (band == Band::Ghz5 ? "-5g" : "-2g4");
-    if (!makeDirs(dir)) {
-        std::fprintf(stderr, "wsa_raw: not recording, cannot create %s: %s\n", dir,
+    m_base = m_dir + "/" + name + (band == Band::Ghz5 ? "-5g" : "-2g4");
+}
+
+bool Recorder::create()
+{
+    m_failed = true;
+    if (!makeDirs(m_dir)) {
+        std::fprintf(stderr, "wsa_raw: not recording, cannot create %s: %s\n", m_dir.c_str(),
                      std::strerror(errno));
-        return;
+        return false;
     }
     // Two starts within a second get a numbered name rather than sharing a file.
     for (int n = 0; n < 100 && m_fd < 0; ++n) {
-        m_path = base + (n ? "-" + std::to_string(n) : std::string()) + ".csv";
+        m_path = m_base + (n ? "-" + std::to_string(n) : std::string()) + ".csv";
         m_fd = open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0666);
         if (m_fd < 0 && errno != EEXIST)
             break;
     }
-    if (m_fd < 0)
+    if (m_fd < 0) {
         std::fprintf(stderr, "wsa_raw: not recording, cannot create %s: %s\n", m_path.c_str(),
                      std::strerror(errno));
+        return false;
+    }
+    m_failed = false;
+    return true;
 }
 
 Recorder::~Recorder()
@@ -76,7 +85,7 @@ Recorder::~Recorder()
 
 void Recorder::append(const int* levels)
 {
-    if (m_fd < 0)
+    if (m_failed || (m_fd < 0 && !create()))
         return;
     timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
@@ -104,6 +113,7 @@ void Recorder::append(const int* levels)
                          m_path.c_str(), std::strerror(errno));
             close(m_fd);
             m_fd = -1;
+            m_failed = true;
             return;
         }
         out += n;

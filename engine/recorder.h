@@ -10,9 +10,10 @@
 class Recorder
 {
 public:
-    // Creates a new file in `dir` (made if missing), named from the local start time and the
-    // band, e.g. wsa-20240301-123005-2g4.csv. When that fails: one line on stderr, and append()
-    // does nothing.
+    // Names a new file in `dir` from the local start time and the band, e.g.
+    // wsa-20240301-123005-2g4.csv. The first append() creates it (and `dir` if missing), so a
+    // start that sends no sweep leaves no empty file. When that fails: one line on stderr, and
+    // append() does nothing more.
     Recorder(const char* dir, Band band);
     ~Recorder();
     Recorder(const Recorder&) = delete;
@@ -22,11 +23,14 @@ public:
     // in one write, so a kill loses at most the row being written. A failed write (a full disk)
     // is reported once and ends the recording; acquisition goes on.
     void append(const int* levels);
-    bool active() const { return m_fd >= 0; }
-    const std::string& path() const { return m_path; }
 
 private:
+    bool create();
+
     Grid m_grid;
+    std::string m_dir;
+    std::string m_base; // the path without ".csv"
+    bool m_failed = false;
     int m_fd = -1;
     std::string m_path;
     char m_row[16 * 1024];

@@ -73,6 +73,10 @@ int runReplay(int fd, const Options& options, Output& output)
     file.rewind();
     if (!sendConfigured(fd, grid))
         return 1;
+    // The recording starts when the analyzer shows it, not while its Configured box is open.
+    const WaitResult ready = output.waitForReader();
+    if (ready != WaitResult::Deadline)
+        return ready == WaitResult::PeerGone ? 0 : 1;
 
     SweepAssembler sweeps(grid, options.offsetSet ? options.offsetDb : 0.0);
     CsvRow row;
