@@ -42,15 +42,15 @@ bool Resampler::add(double lowHz, double binHz, const float* levels, int count)
             hit = true;
         }
     }
-    // Grid cells whose centre lies in this run: the measured bin under that centre.
-    const int first = std::max(0, int(std::ceil((lowHz - m_grid.startHz) / m_grid.stepHz)));
-    const int last =
-        std::min(m_grid.shown - 1, int(std::floor((highHz - m_grid.startHz) / m_grid.stepHz)));
-    for (int i = first; i <= last; ++i) {
-        const double f = m_grid.startHz + i * m_grid.stepHz;
-        const int k = int((f - lowHz) / binHz);
-        if (f >= lowHz && k >= 0 && k < count) {
-            raise(i, levels[k]);
+    // Grid cells whose centre lies in this run: the measured bin under that centre. Bounds are
+    // clamped as doubles: a damaged row may hold any frequency.
+    const double first = std::max(0.0, std::ceil((lowHz - m_grid.startHz) / m_grid.stepHz));
+    const double last =
+        std::min(m_grid.shown - 1.0, std::floor((highHz - m_grid.startHz) / m_grid.stepHz));
+    for (int i = int(std::min(first, double(m_grid.shown))); i <= last; ++i) {
+        const double k = std::floor((m_grid.startHz + i * m_grid.stepHz - lowHz) / binHz);
+        if (k >= 0 && k < count) {
+            raise(i, levels[int(k)]);
             hit = true;
         }
     }

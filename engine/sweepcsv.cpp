@@ -96,7 +96,8 @@ bool parseCsvRow(const char* line, CsvRow& row)
         row.levels.reserve(4096);
     while (nextField(p)) {
         double level = 0;
-        if (!readNumber(p, level) || row.levels.size() == kMaxRowBins)
+        // No receiver reads a kilo-dB: such a number is damage, not a level.
+        if (!readNumber(p, level) || std::fabs(level) > 1000 || row.levels.size() == kMaxRowBins)
             return false;
         row.levels.push_back(float(level));
     }
