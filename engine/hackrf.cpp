@@ -25,6 +25,10 @@ constexpr double kDefaultOffsetDb = -20.0;
 // Opening the device and the first tuning take well under a second.
 constexpr long long kFirstRowNs = 10 * 1000000000LL;
 constexpr int kStopWaitMs = 1000;
+// A band change kills the previous engine, and with it its sweep program, just before this one
+// starts: the device may not be free yet at the first attempt.
+constexpr int kStartAttempts = 3;
+constexpr int kRetryPauseMs = 500;
 
 class Child
 {
@@ -148,6 +152,7 @@ int runHackRf(int fd, const Options& options, Output& output)
     static char buffer[256 * 1024];
     std::size_t used = 0;
     bool configured = false;
+    int attempts = 0;
     const long long firstRowDeadline = monotonicNs() + kFirstRowNs;
     for (;;) {
         const WaitResult waited = output.waitFor(child.fd(), configured ? -1 : firstRowDeadline);
@@ -164,6 +169,13 @@ int runHackRf(int fd, const Options& options, Output& output)
             continue;
         if (n <= 0) {
             const std::string status = describe(child.stop());
+            if (!configured && ++attempts < kStartAttempts) {
+                usleep(kRetryPauseMs * 1000);
+                if (const int error = child.start(program, argv))
+                    return noProbe(output, ("cannot run " + program).c_str(), std::strerror(error));
+                used = 0;
+                continue;
+            }
             if (!configured)
                 return noProbe(output, (program + " ended before measuring").c_str(),
                                status.c_str());

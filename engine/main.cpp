@@ -21,8 +21,8 @@
 // hackrf: runs hackrf_sweep over the band and reads its CSV output.
 //   WSA_HACKRF_SWEEP=PATH    the program, default hackrf_sweep found on PATH.
 //   WSA_HACKRF_BIN_HZ=W      its bin width (-w), 2445 to 5000000 Hz, default 250000.
-//   The program missing, or ending or silent for 10 s before its first row: No probe. Its end
-//   or the end of its output later: Disconnect. It dies with the engine.
+//   The program missing, ending before its first row three times, or silent for 10 s: No probe.
+//   Its end or the end of its output later: Disconnect. It dies with the engine.
 //
 // replay: plays a file in the sweep CSV layout, ours or hackrf_sweep's.
 //   WSA_REPLAY_FILE=FILE     the recording. Missing, or without a row in the band: No probe.

@@ -196,6 +196,9 @@ void TestEngineSources::hackrfFaults_data()
         << QStringList{"WSA_SOURCE=hackrf", "WSA_HACKRF_SWEEP=/nonexistent/hackrf_sweep"} << "N";
     QTest::newRow("device fails to open") << standIn({"STANDIN_FAIL=1"}) << "N";
     QTest::newRow("ends before its first row") << standIn({"STANDIN_SWEEPS=0"}) << "N";
+    // Still held by the engine a band change just killed.
+    QTest::newRow("device busy at the first attempt")
+        << standIn({"STANDIN_BUSY_ONCE=busy", "STANDIN_SWEEPS=40"}) << "CSSSSD";
     QTest::newRow("lost mid-run, last line cut")
         << standIn({"STANDIN_SWEEPS=40", "STANDIN_RATE=40"}) << "CSSSSD";
     QTest::newRow("unknown source") << QStringList{"WSA_SOURCE=radio"} << "N";
