@@ -129,6 +129,7 @@ private slots:
     void noOrphanSweeper();
     void recordAndReplay_data();
     void recordAndReplay();
+    void replaysSavedSweeperOutput();
     void replayRefuses_data();
     void replayRefuses();
     void recordingFailureKeepsMeasuring();
@@ -341,6 +342,34 @@ void TestEngineSources::recordAndReplay()
     // At its end the replay stays connected and sends nothing more.
     QCOMPARE(replay.next(700).type, char(0));
     QVERIFY(!replay.proc.waitForFinished(100));
+}
+
+// hackrf_sweep output saved to a file: many rows per sweep, out of order, a cut last line. Each
+// sweep comes back on its own, with the signal bins at -50 and -70 dBm in turn.
+void TestEngineSources::replaysSavedSweeperOutput()
+{
+    QTemporaryDir tmp;
+    QProcess sweeper;
+    sweeper.setStandardOutputFile(tmp.filePath("saved.csv"));
+    QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
+    e.insert("STANDIN_SWEEPS", "6");
+    sweeper.setProcessEnvironment(e);
+    sweeper.start(kStandIn, {"-f", "2399:2491", "-w", "1000000"});
+    QVERIFY(sweeper.waitForFinished(10000));
+
+    const Band band{false};
+    Run run({"WSA_SOURCE=replay", "WSA_REPLAY_FILE=" + tmp.filePath("saved.csv"),
+             "WSA_LEVEL_OFFSET_DB=-20", "WSA_OUTPUT_RATE=200", "WSA_REPLAY_SPEED=0.5"});
+    QVERIFY(isConfigured(run.next(), band));
+    for (int k = 0; k < 6; ++k) {
+        stSweep r;
+        QVERIFY(run.nextSweep(r, band.raw()));
+        for (int i = 0; i < band.raw(); ++i) {
+            const bool signal = band.mhz(i) >= 2437 && band.mhz(i) < 2438;
+            QCOMPARE(r.data[i], signal ? (k % 2 ? -70 : -50) : -90);
+        }
+    }
+    QCOMPARE(run.next(700).type, char(0));
 }
 
 void TestEngineSources::replayRefuses_data()
