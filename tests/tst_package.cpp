@@ -56,10 +56,10 @@ void TestPackage::environmentWins_data()
 {
     QTest::addColumn<QString>("variable");
     QTest::addColumn<QString>("testSetDefault");
-    QTest::addColumn<QString>("desktopDefault");
+    QTest::addColumn<QString>("desktopDefault"); // a wildcard pattern
     QTest::newRow("engine") << "WSA_ENGINE_PATH"
                             << "/usr/local/tessa/bin/wsa_raw"
-                            << "/usr/lib/wsa/wsa_raw";
+                            << "/usr/lib/*/wsa/wsa_raw";
     QTest::newRow("results") << "WSA_RESULT_DIR"
                              << "/home/root/tessa-rslt/wsa"
                              << "<home>/Documents/wsa";
@@ -84,9 +84,10 @@ void TestPackage::environmentWins()
     };
     QString expected = wsaDesktopPaths() ? desktopDefault : testSetDefault;
     expected.replace("<home>", m_home.path());
-    QCOMPARE(current(), expected);
+    const QRegularExpression pattern(QRegularExpression::wildcardToRegularExpression(expected));
+    QVERIFY2(pattern.match(current()).hasMatch(), qPrintable(current()));
     qputenv(name.constData(), "");
-    QCOMPARE(current(), expected);
+    QVERIFY2(pattern.match(current()).hasMatch(), qPrintable(current()));
     qputenv(name.constData(), "/elsewhere/x");
     QCOMPARE(current(), QString("/elsewhere/x"));
 }
