@@ -44,7 +44,9 @@ grep -aq "${engine#"$scratch"}" "$scratch/usr/bin/wsa" ||
     { echo "the program does not name the packaged engine ${engine#"$scratch"}" >&2; exit 1; }
 
 echo "== wsa --version in the scratch root"
-out=$(QT_QPA_PLATFORM=offscreen timeout 20 "$scratch/usr/bin/wsa" --version)
+status=0
+out=$(QT_QPA_PLATFORM=offscreen timeout 20 "$scratch/usr/bin/wsa" --version </dev/null) || status=$?
+[ "$status" -eq 0 ] || { echo "wsa --version failed with status $status (124: still running after 20 s)" >&2; exit 1; }
 echo "$out"
 project_version=${version%-*}
 grep -q "$project_version" <<<"$out" ||
