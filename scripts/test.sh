@@ -16,4 +16,6 @@ for variant in plain asan; do
     echo "== $variant tests"
     (cd "$dir" && ctest --output-on-failure -j"$(nproc)") || status=1
 done
+echo "== Debian package"
+"$root/scripts/package-check.sh" "$root/build-test-package" || status=1
 exit $status

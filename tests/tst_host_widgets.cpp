@@ -2,6 +2,7 @@
 #include <QtTest>
 #include <QtWidgets>
 
+#include "ccheckbox.h"
 #include "cgroupboxwidget.h"
 #include "ckeypadfactory.h"
 #include "cmessagebox.h"
@@ -17,7 +18,31 @@ class TestHostWidgets : public QObject
 private slots:
     void modalsReturnWhatWasPressed();
     void frameAndControls();
+    void textLegibleOnBackground_data();
+    void textLegibleOnBackground();
+    void checkBoxTickVisible_data();
+    void checkBoxTickVisible();
 };
+
+namespace
+{
+
+// Relative luminance and contrast ratio as WCAG 2 defines them.
+double luminance(const QColor& c)
+{
+    auto channel = [](double v) {
+        return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) + 0.0722 * channel(c.blueF());
+}
+
+double contrast(const QColor& a, const QColor& b)
+{
+    const double la = luminance(a), lb = luminance(b);
+    return (qMax(la, lb) + 0.05) / (qMin(la, lb) + 0.05);
+}
+
+} // namespace
 
 void TestHostWidgets::modalsReturnWhatWasPressed()
 {
@@ -91,6 +116,84 @@ void TestHostWidgets::frameAndControls()
     QVERIFY(!window.isVisible());
     window.show();
     QVERIFY(central->isVisible());
+}
+
+// The views draw their legend texts in black and their axis labels in white straight onto the
+// host background; the host's own labels use its foreground colour.
+void TestHostWidgets::textLegibleOnBackground_data()
+{
+    QTest::addColumn<QColor>("text");
+    QTest::newRow("black legends") << QColor(Qt::black);
+    QTest::newRow("white axis labels") << QColor(Qt::white);
+    QTest::newRow("host foreground") << CWidgetStyle::getColor(CWidgetStyle::COLOR_FOREGROUND);
+}
+
+void TestHostWidgets::textLegibleOnBackground()
+{
+    QFETCH(QColor, text);
+    const QColor background = CWidgetStyle::getColor(CWidgetStyle::COLOR_BACKGROUND);
+    const double ratio = contrast(text, background);
+    QVERIFY2(
+        ratio >= 4.5,
+        qPrintable(
+            QString("%1 on %2: %3 : 1").arg(text.name(), background.name()).arg(ratio, 0, 'f', 2)));
+}
+
+void TestHostWidgets::checkBoxTickVisible_data()
+{
+    QTest::addColumn<Qt::CheckState>("state");
+    QTest::addColumn<int>("minDark");
+    QTest::addColumn<int>("maxDark");
+    QTest::newRow("unchecked") << Qt::Unchecked << 0 << 0;
+    QTest::newRow("partial") << Qt::PartiallyChecked << 6 << 30;
+    QTest::newRow("checked") << Qt::Checked << 10 << 40;
+}
+
+// A trace switch as the analyzer builds it (100 x 10, no border) on the host background: a light
+// box that stands out, and inside it a dark mark that stands out from the box.
+void TestHostWidgets::checkBoxTickVisible()
+{
+    QFETCH(Qt::CheckState, state);
+    QFETCH(int, minDark);
+    QFETCH(int, maxDark);
+    CWidget strip;
+    strip.setBackgroundColor(CWidgetStyle::getColor(CWidgetStyle::COLOR_BACKGROUND));
+    strip.resize(200, 10);
+    auto* box = new CCheckBox("Current", &strip);
+    box->setBorderVisible(false);
+    box->setTristate(true);
+    box->setGeometry(0, 0, 100, 10);
+    box->setCheckState(state);
+    strip.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&strip));
+    const QImage image = strip.grab().toImage();
+    const QRect indicator = box->indicatorRect();
+    QVERIFY2(box->rect().contains(indicator) && indicator.height() >= 9,
+             qPrintable(QString("indicator %1,%2 %3x%4")
+                            .arg(indicator.x())
+                            .arg(indicator.y())
+                            .arg(indicator.width())
+                            .arg(indicator.height())));
+    const QRect inside = indicator.adjusted(1, 1, -1, -1);
+    const QColor fill = image.pixelColor(inside.topLeft());
+    QVERIFY(contrast(fill, CWidgetStyle::getColor(CWidgetStyle::COLOR_BACKGROUND)) >= 3.0);
+    int dark = 0;
+    QSet<int> columns, rows;
+    for (int y = inside.top(); y <= inside.bottom(); ++y) {
+        for (int x = inside.left(); x <= inside.right(); ++x) {
+            if (contrast(image.pixelColor(x, y), fill) >= 4.5) {
+                ++dark;
+                columns.insert(x);
+                rows.insert(y);
+            }
+        }
+    }
+    QVERIFY2(dark >= minDark && dark <= maxDark, qPrintable(QString::number(dark)));
+    // A tick spans the box; a dash spans its width.
+    if (state == Qt::Checked)
+        QVERIFY(columns.size() >= inside.width() - 3 && rows.size() >= inside.height() - 3);
+    if (state == Qt::PartiallyChecked)
+        QVERIFY(columns.size() >= inside.width() - 3 && rows.size() <= 3);
 }
 
 QTEST_MAIN(TestHostWidgets)

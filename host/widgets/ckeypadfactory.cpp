@@ -11,16 +11,6 @@
 #include "cpushbutton.h"
 #include "cwidgetstyle.h"
 
-namespace
-{
-
-QString trKeyPad(const char* text)
-{
-    return QCoreApplication::translate("CKeyPadFactory", text);
-}
-
-} // namespace
-
 QString CKeyPadFactory::accessKeyPad(const QString& title, const QString& text, int type,
                                      int minLength, int maxLength, QWidget* parent)
 {
@@ -47,11 +37,12 @@ QString CKeyPadFactory::accessKeyPad(const QString& title, const QString& text, 
 
     auto* ok = new CPushButton;
     ok->setStyle(CPushButton::STYLE_TOOL, false);
-    ok->setText(trKeyPad("OK"));
+    // Qt's own catalogue has the standard button texts in every language it ships.
+    ok->setText(QCoreApplication::translate("QPlatformTheme", "OK"));
     ok->setDefault(true);
     auto* cancel = new CPushButton;
     cancel->setStyle(CPushButton::STYLE_TOOL, false);
-    cancel->setText(trKeyPad("Cancel"));
+    cancel->setText(QCoreApplication::translate("QPlatformTheme", "Cancel"));
 
     const int minimum = qMax(0, minLength);
     auto updateOk = [ok, edit, minimum]() { ok->setEnabled(edit->text().size() >= minimum); };

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
 #include <QVBoxLayout>
@@ -240,9 +241,16 @@ void wsaInstallTranslator()
     const QString name = QStringLiteral("wsaTranslator");
     if (app->findChild<QTranslator*>(name, Qt::FindDirectChildrenOnly))
         return;
+    const QLocale locale = QLocale::system();
+    // Qt's own catalogue first: the translator installed last is asked first, so ours wins where
+    // both know a text, and Qt's covers the standard buttons and dialogs.
+    auto* qtTranslator = new QTranslator(app);
+    if (qtTranslator->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"),
+                           QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(qtTranslator);
     auto* translator = new QTranslator(app);
     translator->setObjectName(name);
-    if (translator->load(QLocale::system(), QStringLiteral("wsa"), QStringLiteral("_"),
+    if (translator->load(locale, QStringLiteral("wsa"), QStringLiteral("_"),
                          QStringLiteral(":/i18n")))
         QCoreApplication::installTranslator(translator);
 }

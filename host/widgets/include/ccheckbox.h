@@ -14,6 +14,11 @@ public:
 
     void setBorderVisible(bool bVisible);
     bool isBorderVisible() const;
+    // Where the indicator box is drawn, in widget coordinates.
+    QRect indicatorRect() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void applyLook();

@@ -11,7 +11,7 @@ class CWidgetStyle
 {
 public:
     enum ColorCode {
-        COLOR_BACKGROUND = 0, // shared window background (dark)
+        COLOR_BACKGROUND = 0, // shared window background: black and white text both legible on it
         COLOR_FOREGROUND = 1,
         COLOR_TITLE = 2,
         COLOR_HIGHLIGHT = 3,
@@ -31,8 +31,8 @@ public:
         REGION_TITLE_BAR = 2,    // 800 x 60 at the top
         REGION_STATUS_BAR = 3,
         REGION_LEFT_PANE = 4,
-        REGION_CONTENT = 5,      // working area without the tool box
-        REGION_TOOL_BOX = 6      // 140 wide, full working-area height, at its right edge
+        REGION_CONTENT = 5, // working area without the tool box
+        REGION_TOOL_BOX = 6 // 140 wide, full working-area height, at its right edge
     };
 
     static QColor getColor(ColorCode code);

@@ -1,0 +1,21 @@
+// Default locations of a desktop installation, and the engine's share of them.
+#ifndef WSA_PATHS_H
+#define WSA_PATHS_H
+
+#include <QString>
+
+// True when the compiled-in defaults are those of a desktop installation rather than the test
+// set's fixed paths.
+bool wsaDesktopPaths();
+
+// The user's report and recording directories of a desktop installation, resolved from the
+// user's documents and data directories and created when missing.
+QString wsaDesktopResultDir();
+QString wsaDesktopRecordDir();
+
+// Desktop build: records every session unless WSA_RECORD_DIR is already set (an empty value
+// means "do not record"); sets it to the default recording directory for the engine to inherit.
+// The test set's build leaves the environment alone.
+void wsaExportEngineDefaults();
+
+#endif
