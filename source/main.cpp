@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <cstdio>
 
+#include "paths.h"
 #include "wsa.h"
 
 #ifndef WSA_VERSION
@@ -89,6 +90,8 @@ int applyOptions(const QStringList& arguments)
 int runAnalyzer()
 {
     wsaInstallTranslator();
+    wsaExportEngineDefaults();
+    wsaEnterDesktopWorkDir();
     CWsa w;
     QObject::connect(&w, &CWsa::sigClose, [] {
         std::puts("wsa: closing: the analyzer asked to close because it has no probe to measure "

@@ -17,6 +17,7 @@ private slots:
     void environmentWins();
     void recordingDefault_data();
     void recordingDefault();
+    void desktopWorkDir();
 
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
@@ -115,6 +116,28 @@ void TestPackage::recordingDefault()
     const QString expected = exported ? m_home.filePath(".local/share/wsa/recordings") : value;
     QCOMPARE(qEnvironmentVariable("WSA_RECORD_DIR"), expected);
     QCOMPARE(QFileInfo(expected).isDir(), exported);
+}
+
+// A desktop session keeps its engine socket in a private directory of the user's session, not in
+// the directory it was started from; the test set's build stays where it was started.
+void TestPackage::desktopWorkDir()
+{
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_home.filePath("run")));
+    QDir(m_home.path()).mkdir("run");
+    QFile::setPermissions(m_home.filePath("run"),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QString before = QDir::currentPath();
+    const QString dir = wsaEnterDesktopWorkDir();
+    const QString now = QDir::currentPath();
+    QDir::setCurrent(before);
+    if (!wsaDesktopPaths()) {
+        QVERIFY(dir.isEmpty());
+        QCOMPARE(now, before);
+        return;
+    }
+    QCOMPARE(dir, m_home.filePath("run/wsa"));
+    QCOMPARE(now, dir);
+    QCOMPARE(QFileInfo(dir).permissions() & 0x0077, QFile::Permissions());
 }
 
 QTEST_GUILESS_MAIN(TestPackage)

@@ -84,6 +84,22 @@ const char* wsaVendorInfoPath()
     return fromEnvironment("WSA_VENDOR_INFO", WSA_DEFAULT_VENDOR_INFO);
 }
 
+QString wsaEnterDesktopWorkDir()
+{
+    if (!wsaDesktopPaths())
+        return QString();
+    QString base = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (base.isEmpty())
+        base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    const QString dir = QDir::cleanPath(base + QStringLiteral("/wsa"));
+    // Owner-only: the socket in it carries the user's measurements.
+    if (!QDir().mkpath(dir) ||
+        !QFile::setPermissions(dir, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner) ||
+        !QDir::setCurrent(dir))
+        return QString();
+    return dir;
+}
+
 void wsaExportEngineDefaults()
 {
     if (!wsaDesktopPaths() || std::getenv("WSA_RECORD_DIR"))

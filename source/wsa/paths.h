@@ -18,4 +18,10 @@ QString wsaDesktopRecordDir();
 // The test set's build leaves the environment alone.
 void wsaExportEngineDefaults();
 
+// Desktop build: makes a private directory of the user's session the working directory, where
+// the engine socket (SERVERSOCK) lives, rather than wherever the program was started from (the
+// home directory, from a menu). Returns that directory, or an empty string when nothing changed
+// (the test set's build, or no such directory could be made).
+QString wsaEnterDesktopWorkDir();
+
 #endif
