@@ -3,37 +3,20 @@
 // labels, in that order.
 #include <QApplication>
 #include <QImage>
+#include <QPaintEngine>
 #include <QPaintEvent>
 #include <QPainter>
 #include <cstring>
 
 #include "cwidgetstyle.h"
+#include "framecache.h"
 #include "views.h"
 #include "wsa_p.h"
 
-bool bReferencePainting = false;
+bool bReferencePainting = wsaPlainPaintingRequested();
 
 namespace
 {
-
-// The frame being composed by paintEvent.
-struct FrameState {
-    QPainter* painter = nullptr;
-    int serial = 0;
-    bool bViewPass = false; // the views are being laid down over the filled background
-    QRect claimed[8];       // areas drawn on so far in the view pass
-    int nClaimed = 0;
-};
-
-FrameState frame;
-
-constexpr int kSpanReach = 320;
-constexpr int kSpanCount = 2 * kSpanReach + 1;
-
-struct SpanTable {
-    stLineSpan span[2][kSpanCount];
-    bool bValid[2][kSpanCount];
-};
 
 // Reads the rows set in `column` of the learning image; false unless they form one run.
 bool readRun(const QImage& image, int column, int origin, int& first, int& last)
@@ -54,39 +37,13 @@ bool readRun(const QImage& image, int column, int origin, int& first, int& last)
     return runs <= 1;
 }
 
-// Draws every line of the table with QPainter, three columns apart, and records its pixels.
-void learnSpans(SpanTable& table)
-{
-    constexpr int kChunk = 64;
-    const int origin = kSpanReach + 2;
-    QImage image(3 * kChunk + 3, kSpanCount + 4, QImage::Format_RGB32);
-    for (int dx = 0; dx <= 1; ++dx) {
-        for (int start = 0; start < kSpanCount; start += kChunk) {
-            image.fill(qRgb(0, 0, 0));
-            QPainter painter(&image);
-            painter.setPen(Qt::white);
-            for (int k = 0; k < kChunk && start + k < kSpanCount; ++k) {
-                const int x = 3 * k + 1;
-                painter.drawLine(x, origin, x + dx, origin + start + k - kSpanReach);
-            }
-            painter.end();
-            for (int k = 0; k < kChunk && start + k < kSpanCount; ++k) {
-                const int x = 3 * k + 1;
-                stLineSpan& s = table.span[dx][start + k];
-                int gapFirst, gapLast;
-                bool bValid = readRun(image, x, origin, s.first[0], s.last[0]) &&
-                              readRun(image, x + 1, origin, s.first[1], s.last[1]);
-                for (int gap : {x - 1, x + 2}) {
-                    bValid = bValid && readRun(image, gap, origin, gapFirst, gapLast) &&
-                             gapFirst > gapLast;
-                }
-                table.bValid[dx][start + k] = bValid;
-            }
-        }
-    }
-}
-
 } // namespace
+
+bool wsaPlainPaintingRequested()
+{
+    const QByteArray value = qgetenv("WSA_PLAIN_PAINT").trimmed();
+    return !value.isEmpty() && value != "0";
+}
 
 QColor viewBackground()
 {
@@ -100,48 +57,141 @@ QFont viewFont()
     return font;
 }
 
-QPainter* framePainter()
+CFrameCache& frameCache()
 {
-    return frame.painter;
+    static CFrameCache cache;
+    return cache;
 }
 
-int frameSerial()
+CFrameCache* fastFrame(const QPainter* pPainter)
 {
-    return frame.serial;
+    CFrameCache& cache = frameCache();
+    return cache.fast(pPainter) ? &cache : nullptr;
 }
 
-bool frameViewPass(const QPainter* pPainter)
+void CFrameCache::beginFrame(QPainter* pPainter)
 {
-    return frame.painter && pPainter == frame.painter && frame.bViewPass;
+    ++m_serial;
+    m_painter = nullptr;
+    m_bViewPass = false;
+    m_nClaimed = 0;
+    planar.serial = -1;
+    planar.bPass = false;
+    if (bReferencePainting)
+        return;
+    // The real target: a widget paints into its backing store's image, render() and grab()
+    // into the caller's image. Anything scaled or not an image gets the plain drawing.
+    const QPaintEngine* engine = pPainter->paintEngine();
+    const QPaintDevice* device = engine ? engine->paintDevice() : nullptr;
+    if (!device || device->devType() != QInternal::Image || device->devicePixelRatio() != 1 ||
+        pPainter->deviceTransform().type() > QTransform::TxTranslate)
+        return;
+    switch (static_cast<const QImage*>(device)->format()) {
+    case QImage::Format_RGB16:
+        m_format = QImage::Format_RGB16;
+        break;
+    case QImage::Format_RGB32:
+    case QImage::Format_ARGB32_Premultiplied:
+        m_format = QImage::Format_RGB32;
+        break;
+    default:
+        return;
+    }
+    Key key;
+    key.stamp = m_stamp;
+    key.format = m_format;
+    key.font = pPainter->font();
+    key.background = viewBackground().rgb();
+    key.unit = CWsa::tr("dBm");
+    if (!(key == m_key)) {
+        clear();
+        m_key = key;
+    }
+    m_painter = pPainter;
 }
 
-bool claimFrameBackground(const QPainter* pPainter, const QRect& area)
+void CFrameCache::endFrame()
 {
-    if (!frameViewPass(pPainter))
+    m_painter = nullptr;
+    m_bViewPass = false;
+    planar.serial = -1;
+}
+
+void CFrameCache::clear()
+{
+    for (Grid& g : grids)
+        g = Grid();
+    nextGrid = 0;
+    legend = QImage();
+    waterfall = QImage();
+    planar = Planar();
+}
+
+bool CFrameCache::claimBackground(const QPainter* pPainter, const QRect& area)
+{
+    if (!viewPass(pPainter))
         return false;
-    if (frame.nClaimed == int(sizeof frame.claimed / sizeof frame.claimed[0]))
+    if (m_nClaimed == int(sizeof m_claimed / sizeof m_claimed[0]))
         return false;
-    for (int k = 0; k < frame.nClaimed; ++k) {
-        if (frame.claimed[k].intersects(area))
+    for (int k = 0; k < m_nClaimed; ++k) {
+        if (m_claimed[k].intersects(area))
             return false;
     }
-    frame.claimed[frame.nClaimed++] = area;
+    m_claimed[m_nClaimed++] = area;
     return true;
 }
 
-bool lineSpan(int dx, int dy, stLineSpan& span)
+quint32 CFrameCache::pixel(QRgb color) const
 {
-    static SpanTable* table = nullptr;
+    QImage probe(1, 1, m_format);
+    probe.setPixel(0, 0, color);
+    return rgb16() ? *reinterpret_cast<const quint16*>(probe.constScanLine(0))
+                   : *reinterpret_cast<const quint32*>(probe.constScanLine(0));
+}
+
+// Draws every line of the table with QPainter, three columns apart, and records its pixels.
+void CFrameCache::learnSpans(SpanTable& table)
+{
+    constexpr int kCount = 2 * kSpanReach + 1;
+    constexpr int kChunk = 64;
+    const int origin = kSpanReach + 2;
+    QImage image(3 * kChunk + 3, kCount + 4, QImage::Format_RGB32);
+    for (int dx = 0; dx <= 1; ++dx) {
+        for (int start = 0; start < kCount; start += kChunk) {
+            image.fill(qRgb(0, 0, 0));
+            QPainter painter(&image);
+            painter.setPen(Qt::white);
+            for (int k = 0; k < kChunk && start + k < kCount; ++k) {
+                const int x = 3 * k + 1;
+                painter.drawLine(x, origin, x + dx, origin + start + k - kSpanReach);
+            }
+            painter.end();
+            for (int k = 0; k < kChunk && start + k < kCount; ++k) {
+                const int x = 3 * k + 1;
+                stLineSpan& s = table.span[dx][start + k];
+                int gapFirst, gapLast;
+                bool bValid = readRun(image, x, origin, s.first[0], s.last[0]) &&
+                              readRun(image, x + 1, origin, s.first[1], s.last[1]);
+                for (int gap : {x - 1, x + 2}) {
+                    bValid = bValid && readRun(image, gap, origin, gapFirst, gapLast) &&
+                             gapFirst > gapLast;
+                }
+                table.bValid[dx][start + k] = bValid;
+            }
+        }
+    }
+    table.bLearned = true;
+}
+
+bool CFrameCache::lineSpan(int dx, int dy, stLineSpan& span)
+{
     if (dx < 0 || dx > 1 || dy < -kSpanReach || dy > kSpanReach)
         return false;
-    if (!table) {
-        static SpanTable learned;
-        learnSpans(learned);
-        table = &learned;
-    }
-    if (!table->bValid[dx][dy + kSpanReach])
+    if (!m_spans.bLearned)
+        learnSpans(m_spans);
+    if (!m_spans.bValid[dx][dy + kSpanReach])
         return false;
-    span = table->span[dx][dy + kSpanReach];
+    span = m_spans.span[dx][dy + kSpanReach];
     return true;
 }
 
@@ -152,16 +202,13 @@ void CWsa::paintEvent(QPaintEvent* event)
     painter.setFont(viewFont());
     painter.fillRect(area, QBrush(viewBackground(), Qt::SolidPattern));
 
-    frame.serial++;
-    // Cached images are blended in 32 bits; a shallower surface gets the plain drawing.
-    const bool bFast = !bReferencePainting && painter.device()->depth() >= 24;
-    frame.painter = bFast ? &painter : nullptr;
-    frame.bViewPass = true;
-    frame.nClaimed = 0;
+    CFrameCache& cache = frameCache();
+    cache.beginFrame(&painter);
+    cache.setViewPass(true);
     onPaint_PlanarView(&painter);
     onPaint_TopoView(&painter);
     onPaint_SpectralView(&painter);
-    frame.bViewPass = false;
+    cache.setViewPass(false);
 
     if (bReceivedData) {
         bReceivedData = false;
@@ -179,7 +226,7 @@ void CWsa::paintEvent(QPaintEvent* event)
     if (m_bSignatureUpdate)
         drawSignature(&painter);
     drawFrequency(&painter);
-    frame.painter = nullptr;
+    cache.endFrame();
 }
 
 void CWsa::drawGraphic(QPainter* pPainter, bool bIsNewData)

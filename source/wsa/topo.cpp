@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "framecache.h"
+#include "views.h"
 #include "wsa_p.h"
 
 namespace
@@ -24,17 +26,6 @@ QRgb mapRgb(int index)
 {
     const stRgb& c = colormap[index];
     return qRgb(c.r, c.g, c.b);
-}
-
-void paintLegendBar(QPainter* pPainter, const QRect& legend)
-{
-    pPainter->setPen(Qt::black);
-    pPainter->drawRect(legend);
-    for (int k = 0; k < WSA_COLORMAP_SIZE; ++k) {
-        pPainter->setPen(QColor(mapRgb(k)));
-        const int x = legend.left() + 1 + k;
-        pPainter->drawLine(x, legend.top() + 1, x, legend.bottom());
-    }
 }
 
 // Levels |nMinDraw| and |nMaxDraw| themselves are left out of the full repaint.
@@ -115,7 +106,7 @@ private:
 
 // Writes the points straight into a transparent layer and draws it once. Every layer pixel is
 // either fully opaque or fully transparent, so the result equals the point-by-point drawing.
-void paintDensityFast(QPainter* pPainter, const QRect& rc, int samples)
+void paintDensityFast(CFrameCache& cache, QPainter* pPainter, const QRect& rc, int samples)
 {
     const int jHigh = densityHighLevel();
     const int jLow = densityLowLevel();
@@ -134,12 +125,12 @@ void paintDensityFast(QPainter* pPainter, const QRect& rc, int samples)
 
     // Grows only when the layout needs more rows than ever before. The padding keeps the line
     // length off a multiple of 4 KiB, so that a column's pixels do not share one cache set.
-    static QImage layer;
+    QImage& layer = cache.densityLayer;
     if (layer.height() < height)
         layer = QImage(SA_MAX_SAMPLES + 16, height, QImage::Format_ARGB32_Premultiplied);
     if (layer.isNull())
         return;
-    static DensityColors colors;
+    DensityColors colors;
     colors.build(sweep_peak_max);
 
     uchar* bits = layer.bits();
@@ -195,39 +186,6 @@ int topoColorIndexF(long count, long peak)
     return int(index);
 }
 
-QRect legendRect(const QRect& view)
-{
-    QRect legend = view;
-    legend.setBottom(view.top() - 4);
-    legend.setTop(view.top() - 12);
-    legend.setLeft(view.left() + (view.right() - view.left() - 240) / 2);
-    legend.setRight(legend.left() + 240);
-    return legend;
-}
-
-void drawColorLegend(QPainter* pPainter, const QRect& view)
-{
-    const QRect legend = legendRect(view);
-    if (bReferencePainting) {
-        paintLegendBar(pPainter, legend);
-        return;
-    }
-    // The bar depends only on the colour map; its position is a plain offset. A margin keeps every
-    // pixel the frame may touch inside the cached image.
-    const int margin = 2;
-    static QImage bar;
-    static stRgb barColors[WSA_COLORMAP_SIZE];
-    if (bar.isNull() || std::memcmp(barColors, colormap, sizeof colormap) != 0) {
-        std::memcpy(barColors, colormap, sizeof colormap);
-        bar = QImage(legend.width() + 2 * margin, legend.height() + 2 * margin,
-                     QImage::Format_ARGB32_Premultiplied);
-        bar.fill(Qt::transparent);
-        QPainter barPainter(&bar);
-        paintLegendBar(&barPainter, QRect(margin, margin, legend.width(), legend.height()));
-    }
-    pPainter->drawImage(legend.topLeft() - QPoint(margin, margin), bar);
-}
-
 int CWsa::onPaint_TopoView(QPainter* pPainter)
 {
     if (!bTopographicView)
@@ -236,10 +194,10 @@ int CWsa::onPaint_TopoView(QPainter* pPainter)
     drawGrid(pPainter, rc, nCellWidth, nCellHeight);
 
     const int samples = qBound(0, maxData.num_samples, int(SA_MAX_SAMPLES));
-    if (bReferencePainting)
-        paintDensityPlain(pPainter, rc, samples);
+    if (CFrameCache* cache = fastFrame(pPainter))
+        paintDensityFast(*cache, pPainter, rc, samples);
     else
-        paintDensityFast(pPainter, rc, samples);
+        paintDensityPlain(pPainter, rc, samples);
 
     drawColorLegend(pPainter, rc);
     const QRect legend = legendRect(rc);
@@ -259,11 +217,11 @@ void CWsa::drawTopoSample(QPainter* pPainter, int i, int absDbm)
     int x = rc.left() + i;
     int y = levelToRow(rc, currentData.data[i]);
     __validate_and_correct_position(rc, x, y);
-    if (bReferencePainting) {
-        pPainter->setPen(color);
-        pPainter->drawPoint(x, y);
-    } else {
+    if (fastFrame(pPainter)) {
         // One pixel without a pen change.
         pPainter->fillRect(QRect(x, y, 1, 1), color);
+    } else {
+        pPainter->setPen(color);
+        pPainter->drawPoint(x, y);
     }
 }

@@ -7,6 +7,7 @@
 #include <ctime>
 
 #include "halbrin_sa.h"
+#include "views.h"
 #include "wsa.h"
 
 class CCheckBox;
@@ -87,17 +88,6 @@ QRect planarRect();
 QRect topoRect();
 QRect spectralRect();
 QRect frequencyRect();
-
-// ---- frame.cpp
-// Draw every view point by point, as the plain reference the fast paint paths are checked against.
-extern bool bReferencePainting;
-
-// ---- planar.cpp: trace switches
-extern bool bCurrent;
-extern bool bAverage;
-extern bool bMax;
-extern bool bPrevCurrent;
-extern bool bRefreshPlanarView;
 
 // ---- spectral.cpp
 void lcdShowWaterfull(QPainter* pPainter);
