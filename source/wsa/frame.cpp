@@ -57,6 +57,15 @@ QFont viewFont()
     return font;
 }
 
+void drawOutline(QPainter* pPainter, const QRect& r, const QColor& color)
+{
+    const int w = r.width() + 1, h = r.height() + 1;
+    pPainter->fillRect(QRect(r.left(), r.top(), w, 1), color);
+    pPainter->fillRect(QRect(r.left(), r.top() + h - 1, w, 1), color);
+    pPainter->fillRect(QRect(r.left(), r.top() + 1, 1, h - 2), color);
+    pPainter->fillRect(QRect(r.left() + w - 1, r.top() + 1, 1, h - 2), color);
+}
+
 CFrameCache& frameCache()
 {
     static CFrameCache cache;
@@ -125,6 +134,22 @@ void CFrameCache::clear()
     legend = QImage();
     waterfall = QImage();
     planar = Planar();
+    m_bColormap = false;
+}
+
+const quint32* CFrameCache::colormapPixels()
+{
+    if (!m_bColormap) {
+        QImage probe(WSA_COLORMAP_SIZE, 1, m_format);
+        for (int k = 0; k < WSA_COLORMAP_SIZE; ++k)
+            probe.setPixel(k, 0, qRgb(colormap[k].r, colormap[k].g, colormap[k].b));
+        for (int k = 0; k < WSA_COLORMAP_SIZE; ++k) {
+            m_colormap[k] = rgb16() ? reinterpret_cast<const quint16*>(probe.constScanLine(0))[k]
+                                    : reinterpret_cast<const quint32*>(probe.constScanLine(0))[k];
+        }
+        m_bColormap = true;
+    }
+    return m_colormap;
 }
 
 bool CFrameCache::claimBackground(const QPainter* pPainter, const QRect& area)

@@ -47,6 +47,8 @@ public:
     QImage::Format format() const { return m_format; }
     // `color` as stored in one pixel of the frame format (low bits used for 16-bit pixels).
     quint32 pixel(QRgb color) const;
+    // The colour map as pixels of the frame format.
+    const quint32* colormapPixels();
     // Pixels of a one-pixel line, learned from QPainter itself on first use; false beyond the
     // learned range (|dy| > 320), where the line is drawn with a QPainter.
     bool lineSpan(int dx, int dy, stLineSpan& span);
@@ -115,6 +117,8 @@ private:
     QImage::Format m_format = QImage::Format_RGB32;
     unsigned m_stamp = 0;
     Key m_key;
+    quint32 m_colormap[240] = {};
+    bool m_bColormap = false;
     static constexpr int kSpanReach = 320;
     struct SpanTable {
         stLineSpan span[2][2 * kSpanReach + 1];

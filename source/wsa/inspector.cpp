@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "framecache.h"
 #include "inspector.h"
 #include "wsa_p.h"
 
@@ -186,7 +187,12 @@ void CWsa::procInspector(QPainter* pPainter)
     const int boxTop = s.top() + 100;
     pPainter->setPen(Qt::black);
     pPainter->setBrush(QBrush(Qt::transparent, Qt::SolidPattern));
-    pPainter->drawRect(x, boxTop, (s.right() - 5) - x, 120);
+    // The transparent fill changes no pixel.
+    const QRect box(x, boxTop, (s.right() - 5) - x, 120);
+    if (fastFrame(pPainter))
+        drawOutline(pPainter, box, Qt::black);
+    else
+        pPainter->drawRect(box);
 
     pPainter->setPen(Qt::white);
     for (int i = 0; i < 4; ++i) {

@@ -149,7 +149,11 @@ int CWsa::onPaint_SpectralView(QPainter* pPainter)
     const QRect rc = spectralRect();
     pPainter->fillRect(rc, Qt::black);
     pPainter->setPen(Qt::white);
-    pPainter->drawRect(rc);
+    // A brush left by a grid could only fill the black again.
+    if (fastFrame(pPainter))
+        drawOutline(pPainter, rc, Qt::white);
+    else
+        pPainter->drawRect(rc);
 
     drawColorLegend(pPainter, rc);
     const QRect legend = legendRect(rc);

@@ -24,6 +24,11 @@ QColor viewBackground();
 // Font of every view text: the application font at 12 pixels.
 QFont viewFont();
 
+// The pixels of drawRect(r) with a one-pixel aliased pen of an opaque `color` and no brush (the
+// edges left, top, right + 1 and bottom + 1), as four fills: a stroked outline costs far more,
+// most of all on a 16-bit target.
+void drawOutline(QPainter* pPainter, const QRect& r, const QColor& color);
+
 // ---- planar.cpp: trace switches
 extern bool bCurrent;
 extern bool bAverage;
