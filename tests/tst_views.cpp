@@ -452,6 +452,25 @@ private slots:
         QVERIFY(images[0] == images[1]);
     }
 
+    // A reset for a new recording shows all three views and empties the readout; the grid
+    // labels follow the new band's range at once, on the fast path as on the plain one.
+    void resetRedrawsForTheNewRange()
+    {
+        selectLayout(f.w, 0, ViewAll);
+        const QImage before = renderAnalyzer(f.w);
+        bPlanarView = false;
+        std::strcpy(strInspector[0], "Freq :  2420");
+        bPrevCurrent = true;
+        s_band = 1;
+        f.w->initData();
+        QVERIFY(isViewAll() && !bPrevCurrent && strInspector[0][0] == '\0' && nLastIdx == -1);
+        bReferencePainting = true;
+        const QImage plain = renderAnalyzer(f.w);
+        bReferencePainting = false;
+        QVERIFY(plain != before);
+        QVERIFY(renderAnalyzer(f.w) == plain);
+    }
+
     // The diagnostic switch: any value but empty or "0" asks for the plain drawing.
     void plainPaintingSwitch_data()
     {

@@ -14,7 +14,7 @@
 #include <QRect>
 #include <QString>
 
-#include "halbrin_sa.h"
+#include "store.h"
 
 class QPainter;
 
@@ -117,7 +117,7 @@ private:
     QImage::Format m_format = QImage::Format_RGB32;
     unsigned m_stamp = 0;
     Key m_key;
-    quint32 m_colormap[240] = {};
+    quint32 m_colormap[WSA_COLORMAP_SIZE] = {};
     bool m_bColormap = false;
     static constexpr int kSpanReach = 320;
     struct SpanTable {

@@ -56,13 +56,13 @@ void setViewFlags(bool bPlanar, bool bTopographic, bool bSpectral)
     bPlanarView = bPlanar;
     bTopographicView = bTopographic;
     bSpectralView = bSpectral;
-    nCellHeight = (bPlanar && bTopographic && bSpectral) ? 10 : 30;
+    nCellHeight = isViewAll() ? 10 : 30;
 }
 
 // Text of amplitude label i (0 = the row under the top edge), or empty where none is drawn.
 QString amplitudeLabel(int i, int step)
 {
-    if (nCellHeight == 10 && i % 2 == 0)
+    if (isViewAll() && i % 2 == 0)
         return QString(); // View All labels every second row only
     return QString::number(nMaxDraw - (i + 1) * step);
 }
@@ -198,8 +198,7 @@ QRect spectralRect()
 
 QRect frequencyRect()
 {
-    return (bPlanarView && bTopographicView && bSpectralView) ? grid_rect_spectral
-                                                              : grid_rect_maximize;
+    return isViewAll() ? grid_rect_spectral : grid_rect_maximize;
 }
 
 int CWsa::resizeGrid()
@@ -216,7 +215,7 @@ int CWsa::resizeGrid()
         nStartFreq = 5160;
         nEndFreq = 5835;
     }
-    nCellHeight = (bPlanarView && bTopographicView && bSpectralView) ? 10 : 30;
+    nCellHeight = isViewAll() ? 10 : 30;
     const int right = grid_width + kGridLeft;
     grid_rect_maximize = fromEdges(kGridLeft, kGridTop, right, kGridTop + kMaximizedHeight);
     grid_rect_planar = fromEdges(kGridLeft, kGridTop, right, kGridTop + kStackedHeight);

@@ -16,12 +16,6 @@ static_assert(INSPECTOR_LINES == 5 && INSPECTOR_LINE_SIZE == 80, "readout buffer
 namespace
 {
 
-// Strictly inside: a tap on the border line belongs to no view.
-bool strictlyInside(const QRect& r, int x, int y)
-{
-    return r.left() < x && x < r.right() && r.top() < y && y < r.bottom();
-}
-
 // The readout labels stay in English whatever language the controls speak.
 void writeNumber(char* line, const char* label, int value)
 {
@@ -38,7 +32,8 @@ void writeText(char* line, const char* label, const char* text)
 
 eInspectorView inspectorHitView(int x, int y, QRect& grid)
 {
-    if (bPlanarView && bTopographicView && bSpectralView) {
+    // A tap on the border line belongs to no view.
+    if (isViewAll()) {
         if (strictlyInside(grid_rect_planar, x, y)) {
             grid = grid_rect_planar;
             return INSPECTOR_PLANAR;

@@ -7,7 +7,6 @@
 #include <QColor>
 #include <QFont>
 #include <QRect>
-#include <climits>
 
 class QPainter;
 
@@ -42,19 +41,6 @@ void planarPassBegin(QPainter* pPainter);
 void planarPassEnd(QPainter* pPainter);
 
 // ---- grid.cpp
-// |level| in dB; saturates instead of overflowing for the most negative int.
-inline int levelMagnitude(int level)
-{
-    return level == INT_MIN ? INT_MAX : (level < 0 ? -level : level);
-}
-
-// Row of a magnitude offset (|nMinDraw| - |level|) in rect: bottom - gridH * offset / displayRange,
-// truncated toward zero, without overflow and saturated to int. Not clamped into the rect.
-int offsetToRow(const QRect& rect, long long offset);
-
-// Row of a traced level in rect: levelToRow, then the clamp one row inside the frame.
-int clampedRow(const QRect& rect, int level);
-
 // drawGrid from the frame cache, leaving out `hole` (part of the interior another image will
 // cover), when the frame's area there has not been drawn on yet. False when it drew nothing;
 // then call drawGrid.
