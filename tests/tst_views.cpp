@@ -383,36 +383,37 @@ private slots:
         QCOMPARE(image.copy(box), want.copy(box));
     }
 
-    // Both paths on the same full store, on a 32-bit and on a 16-bit target. The new-data state
-    // takes a sweep wider than the grid with a planar refresh, and its density peak reaches 25,
-    // repainting the density view inside the pass. Both draw levels beyond the range and a
-    // maximum below it; with overlays the Inspector cursor and a signature outline go on top.
+    // Both paths on the same full store, on a 32-bit and on a 16-bit target. A new sweep is wider
+    // than the grid and its density peak reaches 25, repainting the density view inside the
+    // pass; once with a planar refresh in the pass. All states draw levels beyond the range and
+    // a maximum below it; with overlays the Inspector cursor and a signature outline go on top.
     void fastEqualsReference_data()
     {
         QTest::addColumn<int>("format");
         QTest::addColumn<int>("band");
         QTest::addColumn<int>("layout");
-        QTest::addColumn<bool>("fresh");
+        QTest::addColumn<int>("state"); // 0 redraw, 1 new sweep, 2 new sweep with refresh
         QTest::addColumn<bool>("overlays");
+        const char* states[] = {"redraw", "new sweep", "new sweep, refresh"};
         for (QImage::Format format : {QImage::Format_ARGB32_Premultiplied, QImage::Format_RGB16})
             for (int band : {0, 1})
                 for (int layout = 0; layout < 4; ++layout)
-                    for (bool fresh : {false, true})
+                    for (int state = 0; state < 3; ++state)
                         for (bool overlays : {false, true})
                             QTest::addRow("%s, %s, %s, %s%s",
                                           format == QImage::Format_RGB16 ? "RGB16" : "RGB32",
                                           band ? "5 GHz" : "2.4 GHz", kLayoutNames[layout],
-                                          fresh ? "new sweep" : "redraw",
-                                          overlays ? ", overlays" : "")
-                                << int(format) << band << layout << fresh << overlays;
+                                          states[state], overlays ? ", overlays" : "")
+                                << int(format) << band << layout << state << overlays;
     }
     void fastEqualsReference()
     {
         QFETCH(int, format);
         QFETCH(int, band);
         QFETCH(int, layout);
-        QFETCH(bool, fresh);
+        QFETCH(int, state);
         QFETCH(bool, overlays);
+        const bool fresh = state > 0;
         QImage images[2];
         for (int reference : {0, 1}) {
             selectLayout(f.w, band, Layout(layout));
@@ -427,7 +428,7 @@ private slots:
                 sweep_peak_max = 24;
                 popularity[1][-currentData.data[1]] = 24;
             }
-            bRefreshPlanarView = fresh;
+            bRefreshPlanarView = state == 2;
             (fresh ? bReceivedData : f.w->m_bUpdate) = true;
             f.w->m_bInspector = f.w->m_bInspectorUpdate = f.w->m_bSignatureUpdate = overlays;
             f.w->m_clickRect = layout == ViewAll ? grid_rect_topographic : grid_rect_maximize;
