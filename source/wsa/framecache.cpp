@@ -54,8 +54,8 @@ void CFrameCache::beginFrame(QPainter* pPainter)
     planar.bPass = false;
     if (bReferencePainting)
         return;
-    // The real target: a widget paints into its backing store's image, render() and grab()
-    // into the caller's image. Anything scaled or not an image gets the plain drawing.
+    // The real target: a widget paints into its backing store's image, render() into the
+    // caller's device. Anything scaled or not an image gets the plain drawing.
     const QPaintEngine* engine = pPainter->paintEngine();
     const QPaintDevice* device = engine ? engine->paintDevice() : nullptr;
     if (!device || device->devType() != QInternal::Image || device->devicePixelRatio() != 1 ||

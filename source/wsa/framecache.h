@@ -74,7 +74,8 @@ public:
     // The colour legend bar, opaque over its own frame.
     QImage legend;
 
-    // Density points of one repaint, fully opaque or fully transparent.
+    // Density points of one repaint: over the grid's interior in the frame format, or, for a sweep
+    // wider than the grid, 32-bit and transparent where no point lies.
     QImage densityLayer;
 
     // The waterfall at two pixels per entry.
