@@ -1,21 +1,21 @@
 // Sweep store: colour map, waterfall colours, time text, reset and the per-sample statistics.
+// Plain functions on the store's globals: no window and no engine.
 #include <QtTest>
 #include <algorithm>
 
-#include "wsa_p.h"
+#include "store.h"
 #include "wsatestsupport.h"
 
 class TestStore : public QObject
 {
     Q_OBJECT
 
-    wsatest::AnalyzerFixture f;
     static QRgb colourOf(int i) { return qRgb(colormap[i].r, colormap[i].g, colormap[i].b); }
     template <class T> bool all(const T* p, int n, T v) { return std::count(p, p + n, v) == n; }
 
 private slots:
-    void initTestCase() { QVERIFY(f.start()); }
-    void init() { s_band = 0, f.w->initData(); }
+    void initTestCase() { fillColormap(); }
+    void init() { wsaResetStore(0, 0); }
 
     void colourMap()
     {
@@ -29,16 +29,29 @@ private slots:
                       "182=(250,251,3) 238=(250,13,3) 239=(250,9,3)");
     }
 
+    void timeText_data()
+    {
+        QTest::addColumn<long long>("elapsed");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("seconds") << 7LL << "00:00:07";
+        QTest::newRow("all parts") << 3725LL << "01:02:05";
+        QTest::newRow("two digits each") << 36610LL << "10:10:10";
+        QTest::newRow("100 hours") << 360000LL << "100:00:00";
+        QTest::newRow("clock set back") << -5LL << "00:00:00";
+    }
     void timeText()
     {
-        QStringList got;
-        for (const int elapsed : {7, 3725, 36610, 100 * 3600}) {
-            QString text; // taken again if the clock ticked meanwhile
-            for (time_t now = 0; now != time(nullptr); text = f.w->getTime())
-                startTime = (now = time(nullptr)) - elapsed;
-            got << text;
-        }
-        QCOMPARE(got, QStringList({"00:00:07", "01:02:05", "10:10:10", "100:00:00"}));
+        QFETCH(long long, elapsed);
+        QFETCH(QString, text);
+        char got[32];
+        wsaElapsedText(elapsed, got, sizeof got);
+        QCOMPARE(QString(got), text);
+        // A history row keeps what fits, always a string.
+        char row[WSA_TIME_TEXT + 1];
+        std::memset(row, 'x', sizeof row);
+        wsaCopyTimeText(row, got);
+        QCOMPARE(QString(row), text.left(WSA_TIME_TEXT - 1));
+        QCOMPARE(row[WSA_TIME_TEXT], 'x');
     }
 
     void resetSetsTheBandsRange()
@@ -54,19 +67,15 @@ private slots:
         const int n = SA_MAX_SAMPLES;
         for (const int band : {0, 1}) {
             wsatest::fillFullState(n);
-            bPlanarView = bTopographicView = bSpectralView = false;
-            bReceivedData = bPrevCurrent = true;
-            startTime = 0;
-            s_band = band;
-            QCOMPARE(f.w->initData(), 0);
+            bReceivedData = true;
+            wsaResetStore(band, 1234);
             QCOMPARE(QList<int>({nMinDraw, nMaxDraw, nLastIdx, nDataCount, int(sweep_peak_max)}),
                      QList<int>({band ? -100 : -110, band ? -50 : -10, -1, 0, 1}));
             QVERIFY(all(maxData.data, n, nMinDraw) && all(minData.data, n, nMaxDraw));
             QVERIFY(all(sumData, n, 0) && all(popularity[0], n * WSA_DENSITY_LEVELS, 0));
             QVERIFY(all(historyColor[0].color, WSA_HISTORY_ROWS * WSA_COLOR_LINE, qRgb(0, 0, 0)));
             QVERIFY(all(historyTime[0], WSA_HISTORY_ROWS * WSA_TIME_TEXT, '\0'));
-            QVERIFY(bPlanarView && bTopographicView && bSpectralView && !bReceivedData);
-            QVERIFY(!bPrevCurrent && qAbs(time(nullptr) - startTime) <= 1);
+            QVERIFY(!bReceivedData && startTime == 1234);
             for (const auto& [level, index] : band ? colours5 : colours24)
                 QCOMPARE(QList<int>({level, waterfallColorIndex(level)}),
                          QList<int>({level, index}));

@@ -6,6 +6,7 @@
 #include <climits>
 #include <tuple>
 
+#include "framecache.h"
 #include "views.h"
 #include "wsa_p.h"
 #include "wsatestsupport.h"
@@ -382,38 +383,116 @@ private slots:
         QCOMPARE(image.copy(box), want.copy(box));
     }
 
-    // Both paths on the same full store. The second state takes a new sweep wider than the grid
-    // with a planar refresh, and its density peak reaches 25, repainting the density view
-    // inside the pass. Both draw levels beyond the range and a maximum below it.
+    // Both paths on the same full store, on a 32-bit and on a 16-bit target. A new sweep is wider
+    // than the grid and its density peak reaches 25, repainting the density view inside the
+    // pass; once with a planar refresh in the pass. All states draw levels beyond the range and
+    // a maximum below it; with overlays the Inspector cursor and a signature outline go on top.
+    void fastEqualsReference_data()
+    {
+        QTest::addColumn<int>("format");
+        QTest::addColumn<int>("band");
+        QTest::addColumn<int>("layout");
+        QTest::addColumn<int>("state"); // 0 redraw, 1 new sweep, 2 new sweep with refresh
+        QTest::addColumn<bool>("overlays");
+        const char* states[] = {"redraw", "new sweep", "new sweep, refresh"};
+        for (QImage::Format format : {QImage::Format_ARGB32_Premultiplied, QImage::Format_RGB16})
+            for (int band : {0, 1})
+                for (int layout = 0; layout < 4; ++layout)
+                    for (int state = 0; state < 3; ++state)
+                        for (bool overlays : {false, true})
+                            QTest::addRow("%s, %s, %s, %s%s",
+                                          format == QImage::Format_RGB16 ? "RGB16" : "RGB32",
+                                          band ? "5 GHz" : "2.4 GHz", kLayoutNames[layout],
+                                          states[state], overlays ? ", overlays" : "")
+                                << int(format) << band << layout << state << overlays;
+    }
     void fastEqualsReference()
     {
-        for (int run = 0; run < 16; ++run) {
-            const int band = run % 2, layout = run / 2 % 4, state = run / 8;
-            QImage images[2];
-            for (int reference : {0, 1}) {
-                selectLayout(f.w, band, Layout(layout));
-                fillFullState(state ? int(SA_MAX_SAMPLES) : (band ? 452 : 423), band + 1);
-                currentData.data[2] = currentDatatmp.data[2] = nMinDraw - 20;
-                currentData.data[3] = currentDatatmp.data[3] = nMaxDraw + 5;
-                maxData.data[5] = nMinDraw - 7;
-                if (state) {
-                    for (auto& counts : popularity)
-                        for (int& count : counts)
-                            count %= 25;
-                    sweep_peak_max = 24;
-                    popularity[1][-currentData.data[1]] = 24;
-                }
-                bRefreshPlanarView = state;
-                (state ? bReceivedData : f.w->m_bUpdate) = true;
-                bReferencePainting = reference;
-                captureStdout([&] { images[reference] = renderAnalyzer(f.w); });
+        QFETCH(int, format);
+        QFETCH(int, band);
+        QFETCH(int, layout);
+        QFETCH(int, state);
+        QFETCH(bool, overlays);
+        const bool fresh = state > 0;
+        QImage images[2];
+        for (int reference : {0, 1}) {
+            selectLayout(f.w, band, Layout(layout));
+            fillFullState(fresh ? int(SA_MAX_SAMPLES) : (band ? 452 : 423), band + 1);
+            currentData.data[2] = currentDatatmp.data[2] = nMinDraw - 20;
+            currentData.data[3] = currentDatatmp.data[3] = nMaxDraw + 5;
+            maxData.data[5] = nMinDraw - 7;
+            if (fresh) {
+                for (auto& counts : popularity)
+                    for (int& count : counts)
+                        count %= 25;
+                sweep_peak_max = 24;
+                popularity[1][-currentData.data[1]] = 24;
             }
-            bReferencePainting = false;
-            QVERIFY2(images[0] == images[1], qPrintable(QString("band %1, %2, state %3")
-                                                            .arg(band)
-                                                            .arg(kLayoutNames[layout])
-                                                            .arg(state)));
+            bRefreshPlanarView = state == 2;
+            (fresh ? bReceivedData : f.w->m_bUpdate) = true;
+            f.w->m_bInspector = f.w->m_bInspectorUpdate = f.w->m_bSignatureUpdate = overlays;
+            f.w->m_clickRect = layout == ViewAll ? grid_rect_topographic : grid_rect_maximize;
+            f.w->m_clickxPos = 240;
+            f.w->m_SignaturePoint = {200, 150};
+            bReferencePainting = reference;
+            frameCache().invalidate();
+            captureStdout([&] { images[reference] = renderAnalyzer(f.w, QImage::Format(format)); });
+            // The fast run must have taken the cached paths, in the target's own format.
+            if (!reference) {
+                const auto* grid = frameCache().findGrid(planarRect(), nCellWidth, nCellHeight);
+                const QImage cached = layout != PlanarOnly ? frameCache().legend
+                                      : grid               ? grid->image
+                                                           : QImage();
+                QCOMPARE(cached.format(), format == QImage::Format_RGB16 ? QImage::Format_RGB16
+                                                                         : QImage::Format_RGB32);
+            }
         }
+        bReferencePainting = false;
+        f.w->m_bInspector = f.w->m_bInspectorUpdate = f.w->m_bSignatureUpdate = false;
+        QCOMPARE(images[0].format(), QImage::Format(format));
+        QVERIFY(images[0] == images[1]);
+    }
+
+    // A reset for a new recording shows all three views and empties the readout; the grid
+    // labels follow the new band's range at once, on the fast path as on the plain one.
+    void resetRedrawsForTheNewRange()
+    {
+        selectLayout(f.w, 0, ViewAll);
+        const QImage before = renderAnalyzer(f.w);
+        bPlanarView = false;
+        std::strcpy(strInspector[0], "Freq :  2420");
+        bPrevCurrent = true;
+        s_band = 1;
+        f.w->initData();
+        QVERIFY(isViewAll() && !bPrevCurrent && strInspector[0][0] == '\0' && nLastIdx == -1);
+        bReferencePainting = true;
+        const QImage plain = renderAnalyzer(f.w);
+        bReferencePainting = false;
+        QVERIFY(plain != before);
+        QVERIFY(renderAnalyzer(f.w) == plain);
+    }
+
+    // The diagnostic switch: any value but empty or "0" asks for the plain drawing.
+    void plainPaintingSwitch_data()
+    {
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<bool>("plain");
+        QTest::newRow("unset") << QByteArray() << false;
+        QTest::newRow("0") << QByteArray("0") << false;
+        QTest::newRow("1") << QByteArray("1") << true;
+        QTest::newRow("yes") << QByteArray("yes") << true;
+    }
+    void plainPaintingSwitch()
+    {
+        QFETCH(QByteArray, value);
+        QFETCH(bool, plain);
+        const QByteArray saved = qgetenv("WSA_PLAIN_PAINT");
+        if (value.isNull())
+            qunsetenv("WSA_PLAIN_PAINT");
+        else
+            qputenv("WSA_PLAIN_PAINT", value);
+        QCOMPARE(wsaPlainPaintingRequested(), plain);
+        qputenv("WSA_PLAIN_PAINT", saved);
     }
 };
 

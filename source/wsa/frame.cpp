@@ -2,91 +2,22 @@
 // that counts a new sweep into the store while the views add it, the overlays and the frequency
 // labels, in that order.
 #include <QApplication>
-#include <QImage>
 #include <QPaintEvent>
 #include <QPainter>
 #include <cstring>
 
 #include "cwidgetstyle.h"
+#include "framecache.h"
 #include "views.h"
 #include "wsa_p.h"
 
-bool bReferencePainting = false;
+bool bReferencePainting = wsaPlainPaintingRequested();
 
-namespace
+bool wsaPlainPaintingRequested()
 {
-
-// The frame being composed by paintEvent.
-struct FrameState {
-    QPainter* painter = nullptr;
-    int serial = 0;
-    bool bViewPass = false; // the views are being laid down over the filled background
-    QRect claimed[8];       // areas drawn on so far in the view pass
-    int nClaimed = 0;
-};
-
-FrameState frame;
-
-constexpr int kSpanReach = 320;
-constexpr int kSpanCount = 2 * kSpanReach + 1;
-
-struct SpanTable {
-    stLineSpan span[2][kSpanCount];
-    bool bValid[2][kSpanCount];
-};
-
-// Reads the rows set in `column` of the learning image; false unless they form one run.
-bool readRun(const QImage& image, int column, int origin, int& first, int& last)
-{
-    first = 1;
-    last = 0;
-    int runs = 0;
-    bool bPrevious = false;
-    for (int y = 0; y < image.height(); ++y) {
-        const bool bSet =
-            reinterpret_cast<const QRgb*>(image.constScanLine(y))[column] != 0xff000000u;
-        if (bSet && !bPrevious && ++runs == 1)
-            first = y - origin;
-        if (bSet)
-            last = y - origin;
-        bPrevious = bSet;
-    }
-    return runs <= 1;
+    const QByteArray value = qgetenv("WSA_PLAIN_PAINT").trimmed();
+    return !value.isEmpty() && value != "0";
 }
-
-// Draws every line of the table with QPainter, three columns apart, and records its pixels.
-void learnSpans(SpanTable& table)
-{
-    constexpr int kChunk = 64;
-    const int origin = kSpanReach + 2;
-    QImage image(3 * kChunk + 3, kSpanCount + 4, QImage::Format_RGB32);
-    for (int dx = 0; dx <= 1; ++dx) {
-        for (int start = 0; start < kSpanCount; start += kChunk) {
-            image.fill(qRgb(0, 0, 0));
-            QPainter painter(&image);
-            painter.setPen(Qt::white);
-            for (int k = 0; k < kChunk && start + k < kSpanCount; ++k) {
-                const int x = 3 * k + 1;
-                painter.drawLine(x, origin, x + dx, origin + start + k - kSpanReach);
-            }
-            painter.end();
-            for (int k = 0; k < kChunk && start + k < kSpanCount; ++k) {
-                const int x = 3 * k + 1;
-                stLineSpan& s = table.span[dx][start + k];
-                int gapFirst, gapLast;
-                bool bValid = readRun(image, x, origin, s.first[0], s.last[0]) &&
-                              readRun(image, x + 1, origin, s.first[1], s.last[1]);
-                for (int gap : {x - 1, x + 2}) {
-                    bValid = bValid && readRun(image, gap, origin, gapFirst, gapLast) &&
-                             gapFirst > gapLast;
-                }
-                table.bValid[dx][start + k] = bValid;
-            }
-        }
-    }
-}
-
-} // namespace
 
 QColor viewBackground()
 {
@@ -100,49 +31,13 @@ QFont viewFont()
     return font;
 }
 
-QPainter* framePainter()
+void drawOutline(QPainter* pPainter, const QRect& r, const QColor& color)
 {
-    return frame.painter;
-}
-
-int frameSerial()
-{
-    return frame.serial;
-}
-
-bool frameViewPass(const QPainter* pPainter)
-{
-    return frame.painter && pPainter == frame.painter && frame.bViewPass;
-}
-
-bool claimFrameBackground(const QPainter* pPainter, const QRect& area)
-{
-    if (!frameViewPass(pPainter))
-        return false;
-    if (frame.nClaimed == int(sizeof frame.claimed / sizeof frame.claimed[0]))
-        return false;
-    for (int k = 0; k < frame.nClaimed; ++k) {
-        if (frame.claimed[k].intersects(area))
-            return false;
-    }
-    frame.claimed[frame.nClaimed++] = area;
-    return true;
-}
-
-bool lineSpan(int dx, int dy, stLineSpan& span)
-{
-    static SpanTable* table = nullptr;
-    if (dx < 0 || dx > 1 || dy < -kSpanReach || dy > kSpanReach)
-        return false;
-    if (!table) {
-        static SpanTable learned;
-        learnSpans(learned);
-        table = &learned;
-    }
-    if (!table->bValid[dx][dy + kSpanReach])
-        return false;
-    span = table->span[dx][dy + kSpanReach];
-    return true;
+    const int w = r.width() + 1, h = r.height() + 1;
+    pPainter->fillRect(QRect(r.left(), r.top(), w, 1), color);
+    pPainter->fillRect(QRect(r.left(), r.top() + h - 1, w, 1), color);
+    pPainter->fillRect(QRect(r.left(), r.top() + 1, 1, h - 2), color);
+    pPainter->fillRect(QRect(r.left() + w - 1, r.top() + 1, 1, h - 2), color);
 }
 
 void CWsa::paintEvent(QPaintEvent* event)
@@ -152,16 +47,13 @@ void CWsa::paintEvent(QPaintEvent* event)
     painter.setFont(viewFont());
     painter.fillRect(area, QBrush(viewBackground(), Qt::SolidPattern));
 
-    frame.serial++;
-    // Cached images are blended in 32 bits; a shallower surface gets the plain drawing.
-    const bool bFast = !bReferencePainting && painter.device()->depth() >= 24;
-    frame.painter = bFast ? &painter : nullptr;
-    frame.bViewPass = true;
-    frame.nClaimed = 0;
+    CFrameCache& cache = frameCache();
+    cache.beginFrame(&painter);
+    cache.setViewPass(true);
     onPaint_PlanarView(&painter);
     onPaint_TopoView(&painter);
     onPaint_SpectralView(&painter);
-    frame.bViewPass = false;
+    cache.setViewPass(false);
 
     if (bReceivedData) {
         bReceivedData = false;
@@ -179,7 +71,7 @@ void CWsa::paintEvent(QPaintEvent* event)
     if (m_bSignatureUpdate)
         drawSignature(&painter);
     drawFrequency(&painter);
-    frame.painter = nullptr;
+    cache.endFrame();
 }
 
 void CWsa::drawGraphic(QPainter* pPainter, bool bIsNewData)

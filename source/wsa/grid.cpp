@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "ccheckbox.h"
+#include "framecache.h"
 #include "views.h"
 #include "wsa_p.h"
 
@@ -55,13 +56,13 @@ void setViewFlags(bool bPlanar, bool bTopographic, bool bSpectral)
     bPlanarView = bPlanar;
     bTopographicView = bTopographic;
     bSpectralView = bSpectral;
-    nCellHeight = (bPlanar && bTopographic && bSpectral) ? 10 : 30;
+    nCellHeight = isViewAll() ? 10 : 30;
 }
 
 // Text of amplitude label i (0 = the row under the top edge), or empty where none is drawn.
 QString amplitudeLabel(int i, int step)
 {
-    if (nCellHeight == 10 && i % 2 == 0)
+    if (isViewAll() && i % 2 == 0)
         return QString(); // View All labels every second row only
     return QString::number(nMaxDraw - (i + 1) * step);
 }
@@ -102,27 +103,6 @@ void paintGridPlain(QPainter* pPainter, const QRect& rect, int cell_w, int cell_
     }
 }
 
-// A grid rendered once over the background, keyed by everything its pixels depend on.
-struct GridImage {
-    QImage image;
-    QPoint origin;
-    QRect rect;
-    int cellW = 0, cellH = 0, globalCellH = 0, minDraw = 0, maxDraw = 0;
-    QFont font;
-    QRgb background = 0;
-    QPainter::RenderHints hints;
-    QString unit;
-};
-
-bool sameGrid(const GridImage& g, const QRect& rect, int cell_w, int cell_h, const QPainter* p,
-              QRgb background)
-{
-    return !g.image.isNull() && g.rect == rect && g.cellW == cell_w && g.cellH == cell_h &&
-           g.globalCellH == nCellHeight && g.minDraw == nMinDraw && g.maxDraw == nMaxDraw &&
-           g.background == background && g.hints == p->renderHints() && g.font == p->font() &&
-           g.unit == CWsa::tr("dBm");
-}
-
 // Every pixel drawGrid may touch: frame, ticks and the label texts with room for their edges.
 QRect gridFootprint(const QRect& rect, int cell_h, const QFont& font)
 {
@@ -141,20 +121,17 @@ QRect gridFootprint(const QRect& rect, int cell_h, const QFont& font)
     return area.adjusted(-3, -3, 3, 3);
 }
 
-const GridImage& cachedGrid(const QPainter* p, const QRect& rect, int cell_w, int cell_h)
+// The grid of `rect` rendered over the background in the frame's format.
+const CFrameCache::Grid& cachedGrid(CFrameCache& cache, const QPainter* p, const QRect& rect,
+                                    int cell_w, int cell_h)
 {
-    static GridImage cache[4]; // the stacked and the maximized grids of both views
-    static int next;
-    const QRgb background = viewBackground().rgb();
-    for (const GridImage& g : cache) {
-        if (sameGrid(g, rect, cell_w, cell_h, p, background))
-            return g;
-    }
-    GridImage& g = cache[next];
-    next = (next + 1) % 4;
+    if (const CFrameCache::Grid* found = cache.findGrid(rect, cell_w, cell_h))
+        return *found;
+    CFrameCache::Grid& g = cache.grids[cache.nextGrid];
+    cache.nextGrid = (cache.nextGrid + 1) % 4;
     const QRect area = gridFootprint(rect, cell_h, p->font());
-    g.image = QImage(area.size(), QImage::Format_RGB32);
-    g.image.fill(background);
+    g.image = QImage(area.size(), cache.format());
+    g.image.fill(viewBackground());
     QPainter painter(&g.image);
     painter.setRenderHints(p->renderHints());
     painter.setFont(p->font());
@@ -165,13 +142,6 @@ const GridImage& cachedGrid(const QPainter* p, const QRect& rect, int cell_w, in
     g.rect = rect;
     g.cellW = cell_w;
     g.cellH = cell_h;
-    g.globalCellH = nCellHeight;
-    g.minDraw = nMinDraw;
-    g.maxDraw = nMaxDraw;
-    g.font = p->font();
-    g.background = background;
-    g.hints = p->renderHints();
-    g.unit = CWsa::tr("dBm");
     return g;
 }
 
@@ -228,8 +198,7 @@ QRect spectralRect()
 
 QRect frequencyRect()
 {
-    return (bPlanarView && bTopographicView && bSpectralView) ? grid_rect_spectral
-                                                              : grid_rect_maximize;
+    return isViewAll() ? grid_rect_spectral : grid_rect_maximize;
 }
 
 int CWsa::resizeGrid()
@@ -246,7 +215,7 @@ int CWsa::resizeGrid()
         nStartFreq = 5160;
         nEndFreq = 5835;
     }
-    nCellHeight = (bPlanarView && bTopographicView && bSpectralView) ? 10 : 30;
+    nCellHeight = isViewAll() ? 10 : 30;
     const int right = grid_width + kGridLeft;
     grid_rect_maximize = fromEdges(kGridLeft, kGridTop, right, kGridTop + kMaximizedHeight);
     grid_rect_planar = fromEdges(kGridLeft, kGridTop, right, kGridTop + kStackedHeight);
@@ -259,6 +228,7 @@ int CWsa::resizeGrid()
     const QRect own = rect();
     const int toolboxLeft = sidebar_rect.right() + kToolboxGap;
     toolbox_rect = fromEdges(toolboxLeft, own.top(), toolboxLeft + kToolboxWidth, own.bottom());
+    frameCache().invalidate();
     return 0;
 }
 
@@ -267,6 +237,7 @@ int CWsa::resizeGrid()
 void CWsa::setViewLayout(bool bPlanar, bool bTopographic, bool bSpectral)
 {
     setViewFlags(bPlanar, bTopographic, bSpectral);
+    frameCache().invalidate();
     showTraceBoxes(bPlanar);
     m_bInspectorUpdate = false;
     update();
@@ -297,11 +268,12 @@ bool drawGridAround(QPainter* pPainter, const QRect& rect, int cell_w, int cell_
 {
     // Labels are anti-aliased text, so the cached image stands in only where the frame still
     // shows the bare background it was rendered over.
-    if (framePainter() != pPainter)
+    CFrameCache* cache = fastFrame(pPainter);
+    if (!cache || !cache->viewPass(pPainter))
         return false;
-    const GridImage& g = cachedGrid(pPainter, rect, cell_w, cell_h);
+    const CFrameCache::Grid& g = cachedGrid(*cache, pPainter, rect, cell_w, cell_h);
     const QRect area(g.origin, g.image.size());
-    if (!claimFrameBackground(pPainter, area))
+    if (!cache->claimBackground(pPainter, area))
         return false;
     const QRect h = hole & area;
     if (h.isEmpty()) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "framecache.h"
 #include "inspector.h"
 #include "wsa_p.h"
 
@@ -14,12 +15,6 @@ static_assert(INSPECTOR_LINES == 5 && INSPECTOR_LINE_SIZE == 80, "readout buffer
 
 namespace
 {
-
-// Strictly inside: a tap on the border line belongs to no view.
-bool strictlyInside(const QRect& r, int x, int y)
-{
-    return r.left() < x && x < r.right() && r.top() < y && y < r.bottom();
-}
 
 // The readout labels stay in English whatever language the controls speak.
 void writeNumber(char* line, const char* label, int value)
@@ -37,7 +32,8 @@ void writeText(char* line, const char* label, const char* text)
 
 eInspectorView inspectorHitView(int x, int y, QRect& grid)
 {
-    if (bPlanarView && bTopographicView && bSpectralView) {
+    // A tap on the border line belongs to no view.
+    if (isViewAll()) {
         if (strictlyInside(grid_rect_planar, x, y)) {
             grid = grid_rect_planar;
             return INSPECTOR_PLANAR;
@@ -186,7 +182,12 @@ void CWsa::procInspector(QPainter* pPainter)
     const int boxTop = s.top() + 100;
     pPainter->setPen(Qt::black);
     pPainter->setBrush(QBrush(Qt::transparent, Qt::SolidPattern));
-    pPainter->drawRect(x, boxTop, (s.right() - 5) - x, 120);
+    // The transparent fill changes no pixel.
+    const QRect box(x, boxTop, (s.right() - 5) - x, 120);
+    if (fastFrame(pPainter))
+        drawOutline(pPainter, box, Qt::black);
+    else
+        pPainter->drawRect(box);
 
     pPainter->setPen(Qt::white);
     for (int i = 0; i < 4; ++i) {

@@ -14,6 +14,9 @@ enum eInspectorView {
 
 enum { INSPECTOR_LINES = 5, INSPECTOR_LINE_SIZE = 80 };
 
+// The readout the side bar shows.
+extern char strInspector[5][80];
+
 // The view whose grid holds (x, y) strictly inside, under the current view flags, and its grid
 // rectangle; INSPECTOR_NONE for a tap outside every grid or on a border line.
 eInspectorView inspectorHitView(int x, int y, QRect& grid);

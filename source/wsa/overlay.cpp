@@ -82,7 +82,7 @@ bool CWsa::placeSignature(int x, int y)
         return false;
     const QRect& r = grid_rect_maximize;
     // A tap on the grid's border line is outside.
-    if (!(r.left() < x && x < r.right() && r.top() < y && y < r.bottom()))
+    if (!strictlyInside(r, x, y))
         return false;
     m_SignaturePoint.x = x;
     m_SignaturePoint.y = y;

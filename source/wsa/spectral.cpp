@@ -3,11 +3,10 @@
 #include "spectral.h"
 
 #include <QImage>
-#include <QPaintEngine>
 #include <QPainter>
 #include <cstring>
 
-#include "topo.h"
+#include "framecache.h"
 #include "views.h"
 #include "wsa_p.h"
 
@@ -43,16 +42,6 @@ struct Rgb16Tables {
     }
 };
 
-// A 16-bit screen takes a 16-bit image without conversion; anything else takes 32-bit pixels
-// (converting a 16-bit image while drawing costs far more than building it).
-bool paintsOnRgb16(QPainter* pPainter)
-{
-    const QPaintEngine* engine = pPainter->paintEngine();
-    QPaintDevice* device = engine ? engine->paintDevice() : nullptr;
-    return device && device->devType() == QInternal::Image &&
-           static_cast<QImage*>(device)->format() == QImage::Format_RGB16;
-}
-
 void paintWaterfallPlain(QPainter* pPainter, const QRect& rc, int columns, int rows)
 {
     QImage image(columns, rows, QImage::Format_RGB16);
@@ -66,18 +55,18 @@ void paintWaterfallPlain(QPainter* pPainter, const QRect& rc, int columns, int r
 }
 
 // Builds the doubled image directly: each sample converted once, written twice, each line copied.
-void paintWaterfallFast(QPainter* pPainter, const QRect& rc, int columns, int rows)
+void paintWaterfallFast(CFrameCache& cache, QPainter* pPainter, const QRect& rc, int columns,
+                        int rows)
 {
     static const Rgb16Tables tables;
-    const bool rgb16 = paintsOnRgb16(pPainter);
-    const QImage::Format format = rgb16 ? QImage::Format_RGB16 : QImage::Format_RGB32;
+    const bool rgb16 = cache.rgb16();
     const int width = 2 * columns;
     const int height = 2 * rows;
 
     // Grows only when a larger view needs it.
-    static QImage image;
-    if (image.format() != format || image.height() < height)
-        image = QImage(WSA_COLOR_LINE, qMax(height, image.height()), format);
+    QImage& image = cache.waterfall;
+    if (image.format() != cache.format() || image.height() < height)
+        image = QImage(WSA_COLOR_LINE, qMax(height, image.height()), cache.format());
     if (image.isNull())
         return;
 
@@ -160,7 +149,11 @@ int CWsa::onPaint_SpectralView(QPainter* pPainter)
     const QRect rc = spectralRect();
     pPainter->fillRect(rc, Qt::black);
     pPainter->setPen(Qt::white);
-    pPainter->drawRect(rc);
+    // A brush left by a grid could only fill the black again.
+    if (fastFrame(pPainter))
+        drawOutline(pPainter, rc, Qt::white);
+    else
+        pPainter->drawRect(rc);
 
     drawColorLegend(pPainter, rc);
     const QRect legend = legendRect(rc);
@@ -182,10 +175,10 @@ void lcdShowWaterfull(QPainter* pPainter)
     const int columns = waterfallColumns(rc);
     if (rows <= 0 || columns <= 0)
         return;
-    if (bReferencePainting)
-        paintWaterfallPlain(pPainter, rc, columns, rows);
+    if (CFrameCache* cache = fastFrame(pPainter))
+        paintWaterfallFast(*cache, pPainter, rc, columns, rows);
     else
-        paintWaterfallFast(pPainter, rc, columns, rows);
+        paintWaterfallPlain(pPainter, rc, columns, rows);
 }
 
 void CWsa::drawSpectralTime(QPainter* pPainter)

@@ -1,11 +1,12 @@
 // Sweep store: the newest sweep, per-bin statistics, the density table, the recording with its
-// time stamps and waterfall colour rows, and the colour map. Levels are dBm (negative);
-// magnitudes are |dBm|.
+// time stamps and waterfall colour rows, and the colour map; and the analyzer's reset and clock,
+// which use them. Levels are dBm (negative); magnitudes are |dBm|.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "framecache.h"
 #include "store.h"
 #include "wsa_p.h"
 
@@ -27,9 +28,9 @@ int nMaxDraw = -10;
 time_t startTime;
 bool bReceivedData;
 
-int CWsa::initData()
+void wsaResetStore(int band, time_t now)
 {
-    if (s_band == 0) {
+    if (band == 0) {
         nMinDraw = -110;
         nMaxDraw = -10;
     } else {
@@ -46,32 +47,43 @@ int CWsa::initData()
         std::memset(popularity[i], 0, sizeof popularity[i]);
     }
     sweep_peak_max = 1;
-    // A new recording shows all three views again.
-    bPlanarView = true;
-    bSpectralView = true;
-    bTopographicView = true;
-    startTime = time(nullptr);
-    std::memset(strInspector, 0, sizeof strInspector);
+    startTime = now;
     bReceivedData = false;
-    bPrevCurrent = false;
     std::memset(historyTime, 0, sizeof historyTime);
     for (stColorLine& row : historyColor)
         std::fill(std::begin(row.color), std::end(row.color), qRgb(0, 0, 0));
+}
+
+int CWsa::initData()
+{
+    wsaResetStore(s_band, time(nullptr));
+    // A new recording shows all three views again; the constructor has set them already, and
+    // sets them again here on purpose.
+    bPlanarView = true;
+    bSpectralView = true;
+    bTopographicView = true;
+    frameCache().invalidate();
+    std::memset(strInspector, 0, sizeof strInspector);
+    bPrevCurrent = false;
     return 0;
+}
+
+void wsaElapsedText(long long elapsed, char* text, size_t size)
+{
+    // A wall clock set back during the recording must not produce "-1" parts.
+    if (elapsed < 0)
+        elapsed = 0;
+    const long long parts[3] = {elapsed / 3600, (elapsed % 3600) / 60, elapsed % 60};
+    char part[3][24];
+    for (int k = 0; k < 3; ++k)
+        std::snprintf(part[k], sizeof part[k], parts[k] > 9 ? "%lld" : "0%lld", parts[k]);
+    std::snprintf(text, size, "%s:%s:%s", part[0], part[1], part[2]);
 }
 
 char* CWsa::getTime()
 {
     static char strTime[256];
-    long long elapsed = static_cast<long long>(time(nullptr) - startTime);
-    // A wall clock set back during the recording must not produce "-1" parts.
-    if (elapsed < 0)
-        elapsed = 0;
-    const long long parts[3] = {elapsed / 3600, (elapsed % 3600) / 60, elapsed % 60};
-    char text[3][24];
-    for (int k = 0; k < 3; ++k)
-        std::snprintf(text[k], sizeof text[k], parts[k] > 9 ? "%lld" : "0%lld", parts[k]);
-    std::snprintf(strTime, sizeof strTime, "%s:%s:%s", text[0], text[1], text[2]);
+    wsaElapsedText(static_cast<long long>(time(nullptr) - startTime), strTime, sizeof strTime);
     return strTime;
 }
 

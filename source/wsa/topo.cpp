@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "framecache.h"
+#include "views.h"
 #include "wsa_p.h"
 
 namespace
@@ -24,17 +26,6 @@ QRgb mapRgb(int index)
 {
     const stRgb& c = colormap[index];
     return qRgb(c.r, c.g, c.b);
-}
-
-void paintLegendBar(QPainter* pPainter, const QRect& legend)
-{
-    pPainter->setPen(Qt::black);
-    pPainter->drawRect(legend);
-    for (int k = 0; k < WSA_COLORMAP_SIZE; ++k) {
-        pPainter->setPen(QColor(mapRgb(k)));
-        const int x = legend.left() + 1 + k;
-        pPainter->drawLine(x, legend.top() + 1, x, legend.bottom());
-    }
 }
 
 // Levels |nMinDraw| and |nMaxDraw| themselves are left out of the full repaint.
@@ -74,19 +65,21 @@ void paintDensityPlain(QPainter* pPainter, const QRect& rc, int samples)
     }
 }
 
-// Colours of the counts below saturation; every larger count takes the top colour. A peak beyond
-// what the table covers (never reached by a real recording) falls back to the direct computation.
+// Layer pixels of the counts below saturation; every larger count takes the top colour. A peak
+// beyond what the table covers (never reached by a real recording) falls back to the direct
+// computation.
 class DensityColors
 {
 public:
-    void build(long peak)
+    // `map`: the colour map as pixels of the layer.
+    void build(long peak, const quint32* map)
     {
+        m_map = map;
         m_peak = peak;
-        m_top = 0xff000000u | mapRgb(kTopIndex);
         m_end = kSize;
         for (int count = 1; count < kSize; ++count) {
             const int index = topoColorIndex(count, peak);
-            m_rgb[count] = 0xff000000u | mapRgb(index);
+            m_pixel[count] = map[index];
             if (index == kTopIndex) {
                 m_end = count;
                 m_saturates = true;
@@ -95,27 +88,49 @@ public:
         }
         m_saturates = false;
     }
-    QRgb operator()(int count) const
+    quint32 operator()(int count) const
     {
         if (count < m_end)
-            return m_rgb[count];
-        if (m_saturates)
-            return m_top;
-        return 0xff000000u | mapRgb(topoColorIndex(count, m_peak));
+            return m_pixel[count];
+        return m_map[m_saturates ? kTopIndex : topoColorIndex(count, m_peak)];
     }
 
 private:
     static const int kSize = 4096;
-    QRgb m_rgb[kSize] = {};
-    QRgb m_top = 0;
+    quint32 m_pixel[kSize] = {};
+    const quint32* m_map = nullptr;
     long m_peak = 1;
     int m_end = 0;
     bool m_saturates = false;
 };
 
-// Writes the points straight into a transparent layer and draws it once. Every layer pixel is
-// either fully opaque or fully transparent, so the result equals the point-by-point drawing.
-void paintDensityFast(QPainter* pPainter, const QRect& rc, int samples)
+// Blocks of samples keep both the counts read and the pixels written in cache. Within a sample
+// the levels go downward, as in the plain drawing, so a later level wins a shared row.
+template <typename Pixel>
+void writeDensity(QImage& layer, const int* rowOf, int jHigh, int jLow, int samples,
+                  const DensityColors& colors)
+{
+    uchar* bits = layer.bits();
+    const qsizetype stride = layer.bytesPerLine();
+    const int block = 16;
+    for (int first = 0; first < samples; first += block) {
+        const int end = qMin(first + block, samples);
+        for (int j = jHigh; j > jLow; --j) {
+            Pixel* line = reinterpret_cast<Pixel*>(bits + rowOf[j] * stride);
+            for (int i = first; i < end; ++i) {
+                const int count = popularity[i][j];
+                if (count > 0)
+                    line[i] = Pixel(colors(count));
+            }
+        }
+    }
+}
+
+// Writes the points straight into a layer and draws it once. Within the grid the layer starts as
+// the cached grid's interior and is opaque; a sweep wider than the grid reaches beyond what the
+// cache knows, so its layer is transparent where no point lies. Either way the result equals the
+// point-by-point drawing.
+void paintDensityFast(CFrameCache& cache, QPainter* pPainter, const QRect& rc, int samples)
 {
     const int jHigh = densityHighLevel();
     const int jLow = densityLowLevel();
@@ -131,37 +146,41 @@ void paintDensityFast(QPainter* pPainter, const QRect& rc, int samples)
         yMax = qMax(yMax, rowOf[j]);
     }
     const int height = yMax - yMin + 1;
-
-    // Grows only when the layout needs more rows than ever before. The padding keeps the line
-    // length off a multiple of 4 KiB, so that a column's pixels do not share one cache set.
-    static QImage layer;
-    if (layer.height() < height)
-        layer = QImage(SA_MAX_SAMPLES + 16, height, QImage::Format_ARGB32_Premultiplied);
-    if (layer.isNull())
-        return;
-    static DensityColors colors;
-    colors.build(sweep_peak_max);
-
-    uchar* bits = layer.bits();
-    const qsizetype stride = layer.bytesPerLine();
-    for (int y = 0; y < height; ++y)
-        std::memset(bits + y * stride, 0, size_t(samples) * sizeof(QRgb));
     for (int j = jHigh; j > jLow; --j)
         rowOf[j] -= yMin;
-    // Blocks of samples keep both the counts read and the pixels written in cache. Within a
-    // sample the levels go downward, as in the plain drawing, so a later level wins a shared row.
-    const int block = 16;
-    for (int first = 0; first < samples; first += block) {
-        const int end = qMin(first + block, samples);
-        for (int j = jHigh; j > jLow; --j) {
-            QRgb* line = reinterpret_cast<QRgb*>(bits + rowOf[j] * stride);
-            for (int i = first; i < end; ++i) {
-                const int count = popularity[i][j];
-                if (count > 0)
-                    line[i] = colors(count);
-            }
+
+    const CFrameCache::Grid* grid = cache.findGrid(rc, nCellWidth, nCellHeight);
+    const bool bOpaque = grid && rc.left() + samples - 1 <= rc.right() + 1;
+    const QImage::Format format = bOpaque ? cache.format() : QImage::Format_ARGB32_Premultiplied;
+    // Grows only when the layout needs more rows than ever before. The padding keeps the line
+    // length off a multiple of 4 KiB, so that a column's pixels do not share one cache set.
+    QImage& layer = cache.densityLayer;
+    if (layer.format() != format || layer.height() < height)
+        layer = QImage(SA_MAX_SAMPLES + 16, height, format);
+    if (layer.isNull())
+        return;
+    const size_t bytes = size_t(samples) * size_t(layer.depth() / 8);
+    for (int y = 0; y < height; ++y) {
+        uchar* line = layer.scanLine(y);
+        if (bOpaque) {
+            const QPoint from = QPoint(rc.left(), yMin + y) - grid->origin;
+            std::memcpy(line, grid->image.constScanLine(from.y()) + from.x() * layer.depth() / 8,
+                        bytes);
+        } else {
+            std::memset(line, 0, bytes);
         }
     }
+    quint32 argb[WSA_COLORMAP_SIZE];
+    if (!bOpaque) {
+        for (int k = 0; k < WSA_COLORMAP_SIZE; ++k)
+            argb[k] = 0xff000000u | mapRgb(k);
+    }
+    DensityColors colors;
+    colors.build(sweep_peak_max, bOpaque ? cache.colormapPixels() : argb);
+    if (layer.depth() == 16)
+        writeDensity<quint16>(layer, rowOf, jHigh, jLow, samples, colors);
+    else
+        writeDensity<quint32>(layer, rowOf, jHigh, jLow, samples, colors);
     pPainter->drawImage(QPoint(rc.left(), yMin), layer, QRect(0, 0, samples, height));
 }
 
@@ -195,39 +214,6 @@ int topoColorIndexF(long count, long peak)
     return int(index);
 }
 
-QRect legendRect(const QRect& view)
-{
-    QRect legend = view;
-    legend.setBottom(view.top() - 4);
-    legend.setTop(view.top() - 12);
-    legend.setLeft(view.left() + (view.right() - view.left() - 240) / 2);
-    legend.setRight(legend.left() + 240);
-    return legend;
-}
-
-void drawColorLegend(QPainter* pPainter, const QRect& view)
-{
-    const QRect legend = legendRect(view);
-    if (bReferencePainting) {
-        paintLegendBar(pPainter, legend);
-        return;
-    }
-    // The bar depends only on the colour map; its position is a plain offset. A margin keeps every
-    // pixel the frame may touch inside the cached image.
-    const int margin = 2;
-    static QImage bar;
-    static stRgb barColors[WSA_COLORMAP_SIZE];
-    if (bar.isNull() || std::memcmp(barColors, colormap, sizeof colormap) != 0) {
-        std::memcpy(barColors, colormap, sizeof colormap);
-        bar = QImage(legend.width() + 2 * margin, legend.height() + 2 * margin,
-                     QImage::Format_ARGB32_Premultiplied);
-        bar.fill(Qt::transparent);
-        QPainter barPainter(&bar);
-        paintLegendBar(&barPainter, QRect(margin, margin, legend.width(), legend.height()));
-    }
-    pPainter->drawImage(legend.topLeft() - QPoint(margin, margin), bar);
-}
-
 int CWsa::onPaint_TopoView(QPainter* pPainter)
 {
     if (!bTopographicView)
@@ -236,10 +222,10 @@ int CWsa::onPaint_TopoView(QPainter* pPainter)
     drawGrid(pPainter, rc, nCellWidth, nCellHeight);
 
     const int samples = qBound(0, maxData.num_samples, int(SA_MAX_SAMPLES));
-    if (bReferencePainting)
-        paintDensityPlain(pPainter, rc, samples);
+    if (CFrameCache* cache = fastFrame(pPainter))
+        paintDensityFast(*cache, pPainter, rc, samples);
     else
-        paintDensityFast(pPainter, rc, samples);
+        paintDensityPlain(pPainter, rc, samples);
 
     drawColorLegend(pPainter, rc);
     const QRect legend = legendRect(rc);
@@ -259,11 +245,11 @@ void CWsa::drawTopoSample(QPainter* pPainter, int i, int absDbm)
     int x = rc.left() + i;
     int y = levelToRow(rc, currentData.data[i]);
     __validate_and_correct_position(rc, x, y);
-    if (bReferencePainting) {
-        pPainter->setPen(color);
-        pPainter->drawPoint(x, y);
-    } else {
+    if (fastFrame(pPainter)) {
         // One pixel without a pen change.
         pPainter->fillRect(QRect(x, y, 1, 1), color);
+    } else {
+        pPainter->setPen(color);
+        pPainter->drawPoint(x, y);
     }
 }

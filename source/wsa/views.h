@@ -1,15 +1,21 @@
-// Functions shared by the view painters: the window background and text font, level arithmetic that
-// is safe for any value a record may carry, the frame being composed, and the pixels of Qt's
-// one-pixel aliased lines for painters that write image scanlines.
+// The paint side of the analyzer: the plain drawing switch, the trace switches, and the functions
+// the view painters share (window background and font, level arithmetic safe for any value a
+// record may carry, the grid from the frame cache, the colour legend).
 #ifndef WSA_VIEWS_H
 #define WSA_VIEWS_H
 
 #include <QColor>
 #include <QFont>
 #include <QRect>
-#include <climits>
 
 class QPainter;
+
+// ---- frame.cpp
+// Draw every view point by point, without the frame cache: the reference the fast paths are
+// checked against, and a way round a fast path that misbehaves on an unusual display. Starts
+// from the environment (WSA_PLAIN_PAINT set and not "0"), read once at start-up.
+extern bool bReferencePainting;
+bool wsaPlainPaintingRequested();
 
 // Window background behind every view: the host style's colour code 0.
 QColor viewBackground();
@@ -17,50 +23,35 @@ QColor viewBackground();
 // Font of every view text: the application font at 12 pixels.
 QFont viewFont();
 
-// |level| in dB; saturates instead of overflowing for the most negative int.
-inline int levelMagnitude(int level)
-{
-    return level == INT_MIN ? INT_MAX : (level < 0 ? -level : level);
-}
+// The pixels of drawRect(r) with a one-pixel aliased pen of an opaque `color` and no brush (the
+// edges left, top, right + 1 and bottom + 1), as four fills: a stroked outline costs far more,
+// most of all on a 16-bit target.
+void drawOutline(QPainter* pPainter, const QRect& r, const QColor& color);
 
-// Row of a magnitude offset (|nMinDraw| - |level|) in rect: bottom - gridH * offset / displayRange,
-// truncated toward zero, without overflow and saturated to int. Not clamped into the rect.
-int offsetToRow(const QRect& rect, long long offset);
-
-// Row of a traced level in rect: levelToRow, then the clamp one row inside the frame.
-int clampedRow(const QRect& rect, int level);
-
-// The frame the paint handler is composing. Cached and scanline paths stand in for plain drawing
-// only on this painter; null outside the paint handler and while bReferencePainting is set.
-QPainter* framePainter();
-// Serial number of that frame, distinct for every repaint.
-int frameSerial();
-// True while the frame painter lays down the three views over the freshly filled background.
-bool frameViewPass(const QPainter* pPainter);
-// True while the frame's views are being laid down over the freshly filled background when
-// `area` has not been drawn on yet in this frame; the area then counts as drawn on. A cached
-// image rendered over the background may replace plain drawing in such an area.
-bool claimFrameBackground(const QPainter* pPainter, const QRect& area);
-
-// drawGrid from the cached image of the grid over the background, leaving out `hole` (part of
-// the interior that another image will cover), when the frame painter's area there has not been
-// drawn on yet. False when it drew nothing; then call drawGrid.
-bool drawGridAround(QPainter* pPainter, const QRect& rect, int cell_w, int cell_h,
-                    const QRect& hole);
-
-// Pixels Qt's aliased one-pixel pen sets for drawLine(x, y, x + dx, y + dy), dx 0 or 1: rows
-// y + first[c] .. y + last[c] of column x + c (none when first[c] > last[c]). Learned from
-// QPainter itself on first use, so scanline writers match it pixel for pixel. False when the
-// line is outside the learned range (|dy| > 320); draw such a line with a QPainter.
-struct stLineSpan {
-    int first[2];
-    int last[2];
-};
-bool lineSpan(int dx, int dy, stLineSpan& span);
+// ---- planar.cpp: trace switches
+extern bool bCurrent;
+extern bool bAverage;
+extern bool bMax;
+extern bool bPrevCurrent;
+extern bool bRefreshPlanarView;
 
 // Bracket of drawGraphic's per-sample pass: the Planar view collects the pass's traces and
 // draws them to the frame at the end.
 void planarPassBegin(QPainter* pPainter);
 void planarPassEnd(QPainter* pPainter);
+
+// ---- grid.cpp
+// drawGrid from the frame cache, leaving out `hole` (part of the interior another image will
+// cover), when the frame's area there has not been drawn on yet. False when it drew nothing;
+// then call drawGrid.
+bool drawGridAround(QPainter* pPainter, const QRect& rect, int cell_w, int cell_h,
+                    const QRect& hole);
+
+// ---- legend.cpp: the colour legend above the Topographic and the Spectral view
+// Frame of the legend: 241 pixels wide, centred, from 12 to 4 pixels above the view top.
+QRect legendRect(const QRect& view);
+
+// Legend frame in black and the 240 colours of the colour map inside it (texts not included).
+void drawColorLegend(QPainter* pPainter, const QRect& view);
 
 #endif

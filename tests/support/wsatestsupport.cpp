@@ -221,9 +221,9 @@ void fillFullState(int samples, quint32 seed)
     currentData = currentDatatmp;
 }
 
-QImage renderAnalyzer(CWsa* w)
+QImage renderAnalyzer(CWsa* w, QImage::Format format)
 {
-    QImage image(800, 400, QImage::Format_ARGB32_Premultiplied);
+    QImage image(800, 400, format);
     image.fill(Qt::transparent);
     w->render(&image, QPoint(), QRegion(), QWidget::DrawWindowBackground);
     return image;

@@ -78,8 +78,8 @@ void selectLayout(CWsa* w, int band, Layout layout);
 // `samples` samples per sweep, with random levels inside the band's display range.
 void fillFullState(int samples, quint32 seed = 42);
 
-// The analyzer's own paint (child widgets excluded) into an 800 x 400 image.
-QImage renderAnalyzer(CWsa* w);
+// The analyzer's own paint (child widgets excluded) into an 800 x 400 image of `format`.
+QImage renderAnalyzer(CWsa* w, QImage::Format format = QImage::Format_ARGB32_Premultiplied);
 
 } // namespace wsatest
 
