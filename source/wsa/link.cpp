@@ -235,12 +235,12 @@ bool takePending(CWsa& wsa)
     // A record cut short is followed at once by the next one, which then begins in the part of
     // this record its header does not use (the engine leaves that part zero). It ends this
     // record, and its bytes are kept as the start of the next.
-    int end = usedBytes(type, count);
+    int end = std::clamp(usedBytes(type, count), 0, int(SA_RECORD_SIZE));
     while (end < SA_RECORD_SIZE && !plausibleStart(pendingRecord + end, SA_RECORD_SIZE - end))
         ++end;
     unsigned char record[SA_RECORD_SIZE];
-    std::memcpy(record, pendingRecord, static_cast<size_t>(end));
-    std::memset(record + end, 0, static_cast<size_t>(SA_RECORD_SIZE - end));
+    std::memcpy(record, pendingRecord, sizeof record);
+    std::fill(record + end, record + sizeof record, 0);
     std::memmove(pendingRecord, pendingRecord + end, static_cast<size_t>(SA_RECORD_SIZE - end));
     pendingFill = SA_RECORD_SIZE - end;
     return wsaDispatchRecord(wsa, record);
