@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages the analyzer needs, if any are missing.
 #   scripts/setup.sh          packages to build and run
-#   scripts/setup.sh --test   also those the tests need (a headless browser)
+#   scripts/setup.sh --test   also those the tests need (a headless browser, clang for the fuzz
+#                             target)
 set -euo pipefail
 
 packages=(cmake ninja-build g++ qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-l10n-tools
           libgl-dev psmisc fonts-dejavu-core)
 if [ "${1:-}" = "--test" ]; then
-    packages+=(chromium)
+    packages+=(chromium clang-14 libclang-rt-14-dev)
 fi
 
 missing=()
