@@ -122,26 +122,29 @@ private slots:
     {
         QTest::addColumn<QByteArray>("program");
         QTest::addColumn<QByteArray>("mode");
+        QTest::addColumn<QByteArray>("timeout");
         QTest::addColumn<int>("error");
-        QTest::addColumn<int>("maxMs");
-        QTest::newRow("missing program")
-            << QByteArray("/nonexistent/wsa_raw") << QByteArray() << int(ECHILD) << 2000;
+        QTest::addColumn<int>("maxMs"); // well below the start's second plus the time-out
+        QTest::newRow("missing program") << QByteArray("/nonexistent/wsa_raw") << QByteArray()
+                                         << QByteArray("6000") << int(ECHILD) << 4000;
         QTest::newRow("ends at once")
-            << QByteArray("/bin/true") << QByteArray() << int(ECHILD) << 2000;
+            << QByteArray("/bin/true") << QByteArray() << QByteArray("6000") << int(ECHILD) << 4000;
         QTest::newRow("never connects")
-            << QByteArray(WSA_FAKE_ENGINE_BIN) << QByteArray("noconnect") << int(ETIMEDOUT) << 3000;
+            << QByteArray(WSA_FAKE_ENGINE_BIN) << QByteArray("noconnect") << QByteArray("1500")
+            << int(ETIMEDOUT) << 5000;
     }
 
     void failedStartIsReported()
     {
         QFETCH(QByteArray, program);
         QFETCH(QByteArray, mode);
+        QFETCH(QByteArray, timeout);
         QFETCH(int, error);
         QFETCH(int, maxMs);
         wsatest::AnalyzerEnv env;
         qputenv("WSA_ENGINE_PATH", program);
         qputenv("FAKE_ENGINE_MODE", mode);
-        qputenv("WSA_ENGINE_TIMEOUT_MS", "1500");
+        qputenv("WSA_ENGINE_TIMEOUT_MS", timeout);
         QElapsedTimer clock;
         clock.start();
         const QString out = construct();
