@@ -14,7 +14,11 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$dir"
 export QT_QPA_PLATFORM=offscreen ASAN_OPTIONS=detect_leaks=0
+set +e
 "$dir/fuzz/fuzz_link" -max_total_time="$seconds" -max_len=65536 -timeout=20 \
-    -print_final_stats=1 "$scratch" "$root/fuzz/corpus" 2>&1 | tee "$dir/fuzz.log" |
-    grep -E "^#[0-9]+[[:space:]]+(INITED|DONE)|^stat::|ERROR|SUMMARY" || true
-exit "${PIPESTATUS[0]}"
+    -print_final_stats=1 -artifact_prefix="$dir/" "$scratch" "$root/fuzz/corpus" >"$dir/fuzz.log" 2>&1
+status=$?
+set -e
+grep -E "^#[0-9]+[[:space:]]+(INITED|DONE)|^stat::|ERROR|SUMMARY|^artifact_prefix|Test unit written" \
+    "$dir/fuzz.log" || true
+exit $status
