@@ -84,6 +84,13 @@ public:
                                           const QString& text,
                                           QMessageBox::StandardButtons buttons);
     void deleteMsgBox();
+    // The whole sequence of one box with an Ok button: popMsgBox, msgUpdate on Ok,
+    // deleteMsgBox. Returns false when the analyzer was deleted while the box was open (the host
+    // may stop the plug-in at any moment); the caller must then not touch it again.
+    bool showMsgBox(const QString& title, const QString& text);
+    // After a start that left no engine connected, one Error box naming the program tried. It
+    // opens from the event loop, so no caller returns into an analyzer deleted under the box.
+    void reportEngineStart();
 
     // Geometry and views
     int resizeGrid();

@@ -1,14 +1,16 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages the analyzer needs, if any are missing.
 #   scripts/setup.sh          packages to build and run
-#   scripts/setup.sh --test   also those the tests need (a headless browser) and the package
-#                             checks (CPack's tools, lintian, validators, man)
+#   scripts/setup.sh --test   also those the tests need (a headless browser, clang for the fuzz
+#                             target) and the package checks (CPack's tools, lintian, validators,
+#                             man)
 set -euo pipefail
 
 packages=(cmake ninja-build g++ qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-l10n-tools
           libgl-dev psmisc fonts-dejavu-core qt6-translations-l10n)
 if [ "${1:-}" = "--test" ]; then
-    packages+=(chromium dpkg-dev file lintian desktop-file-utils appstream man-db)
+    packages+=(chromium clang-14 libclang-rt-14-dev dpkg-dev file lintian desktop-file-utils
+               appstream man-db)
 fi
 
 missing=()

@@ -64,6 +64,15 @@ bool wsaPlugin::start(QWidget* parent)
             window->setWindowSize(CUtilWindow::WindowSize(0));
             window->setCentralWidget(m_pWsa);
             m_pUtilWnd = window.release();
+            // The host may delete the window itself, at any moment (even under an open box):
+            // forget it then, as after stop, instead of keeping a dangling pointer.
+            connect(m_pUtilWnd, &QObject::destroyed, this, [this](QObject* gone) {
+                if (gone != m_pUtilWnd)
+                    return;
+                m_pUtilWnd = nullptr;
+                m_pWsa = nullptr;
+                bIsStarted = false;
+            });
         }
         bIsStarted = true;
     }
@@ -78,10 +87,12 @@ bool wsaPlugin::stop()
     if (!bIsStarted)
         return false;
     if (m_pUtilWnd) {
-        m_pUtilWnd->hide();
-        delete m_pUtilWnd; // the analyzer goes with it and stops its engine
+        CUtilWindow* window = m_pUtilWnd;
+        m_pUtilWnd = nullptr;
+        m_pWsa = nullptr;
+        window->hide();
+        delete window; // the analyzer goes with it and stops its engine
     }
-    m_pUtilWnd = nullptr;
     bIsStarted = false;
     return true;
 }

@@ -38,6 +38,19 @@ class TestLink : public QObject
         return QStringList(wsatest::captureStdout([this] { f.w->wsaDataParse(); })) + boxes;
     }
     // Newest history index, sweep count, newest stored sample count, the maximum's sample count.
+    static QByteArray sweepBytes(int level)
+    {
+        const stSweep r = wsatest::makeSweep(423, level);
+        return QByteArray(reinterpret_cast<const char*>(&r), SA_RECORD_SIZE);
+    }
+    // Level of each stored sweep, oldest first.
+    static QList<int> storedLevels()
+    {
+        QList<int> levels;
+        for (int i = 0; i <= nLastIdx; ++i)
+            levels << historyData[i].data[1];
+        return levels;
+    }
     static QList<int> counts()
     {
         return {nLastIdx, nDataCount, historyData[qMax(0, nLastIdx)].num_samples,
@@ -145,6 +158,7 @@ private slots:
             {SA_MSG_SWEEP, 1, 119, true, {bad.arg(119)}, -1}, // nothing left after the reduction
             {SA_MSG_SWEEP, 1, 120, true, {""}, 0}};
         for (const auto& [type, band, count, ok, seen, stored] : rows) {
+            init(); // a new link: a bad record is reported once per damaged stretch
             s_band = band, f.w->initData();
             pBtSignatures->show();
             QSignalSpy closes(f.w, &CWsa::sigClose);
@@ -158,35 +172,94 @@ private slots:
         }
     }
 
-    void randomBurst()
+    // Damage in the stream costs at most the damaged record: each whole sweep after it is stored,
+    // in order, and the damage is reported once. Sweeps are told apart by their level.
+    void damagedStreamResynchronises_data()
     {
-        // Random records, most of them sweeps of any count, in one burst whose first byte arrives
-        // alone: each tick takes one whole record, and the statistics pass of the paint that
-        // would follow stays inside the store.
+        QTest::addColumn<QByteArray>("damage");
+        QTest::addColumn<QList<int>>("extraStored"); // levels stored from the damage itself
+        QTest::addColumn<QString>("line");
+        const auto bytes = [](const stSweep& r, int n) {
+            return QByteArray(reinterpret_cast<const char*>(&r), n);
+        };
+        stSweep bad = wsatest::makeSweep(5000, -70);
+        QTest::newRow("short") << bytes(wsatest::makeSweep(423, -70), SA_RECORD_SIZE / 2)
+                               << QList<int>{-70} << "";
+        QTest::newRow("count out of range") << bytes(bad, SA_RECORD_SIZE) << QList<int>{}
+                                            << "main received sweep with bad sample count 5000\n";
+        bad.type = 'z', bad.num_samples = 423;
+        QTest::newRow("unknown type")
+            << bytes(bad, SA_RECORD_SIZE) << QList<int>{} << "main received unknown data type\n";
+        QTest::newRow("garbage") << QByteArray(3000, char(0xa5)) << QList<int>{}
+                                 << "main received unknown data type\n";
+        QTest::newRow("unknown type cut short")
+            << bytes(bad, 100) << QList<int>{} << "main received unknown data type\n";
+    }
+
+    void damagedStreamResynchronises()
+    {
+        QFETCH(QByteArray, damage);
+        QFETCH(QList<int>, extraStored);
+        QFETCH(QString, line);
+        const QList<int> after = {-41, -42, -43};
+        QByteArray stream = sweepBytes(-40) + damage;
+        for (int level : after)
+            stream += sweepBytes(level);
+        QCOMPARE(write(f.link, stream.constData(), size_t(stream.size())), ssize_t(stream.size()));
+        QString printed;
+        for (int i = 0; i < 12; ++i)
+            printed += tick().join(QString());
+        QCOMPARE(printed, line);
+        QCOMPARE(storedLevels(), QList<int>{-40} + extraStored + after);
+    }
+
+    // Garbage of random length and content between whole sweeps, in random pieces.
+    void randomGarbageBetweenRecords()
+    {
         QRandomGenerator rng(20240611);
-        for (const int band : {0, 1}) {
-            s_band = band, f.w->initData();
-            stSweep burst[25];
-            rng.fillRange(reinterpret_cast<quint32*>(burst), sizeof burst / 4);
-            for (stSweep& r : burst)
-                if (rng.bounded(3))
-                    r.type = SA_MSG_SWEEP, r.num_samples = rng.bounded(-8, 1100);
-            const char* bytes = reinterpret_cast<const char*>(burst);
-            QCOMPARE(write(f.link, bytes, 1), ssize_t(1));
-            QCOMPARE(tick(), QStringList(""));
-            QCOMPARE(write(f.link, bytes + 1, sizeof burst - 1), ssize_t(sizeof burst - 1));
-            for (const stSweep& r : burst) {
+        QList<int> sent;
+        for (int k = 0; k < 40; ++k) {
+            QByteArray garbage(int(rng.bounded(1, 5000)), Qt::Uninitialized);
+            for (char& c : garbage)
+                c = char(rng.bounded(256));
+            sent << -20 - k;
+            const QByteArray stream = garbage + sweepBytes(sent.last());
+            for (int at = 0; at < stream.size();) {
+                const int piece = qMin(int(rng.bounded(1, 6000)), int(stream.size()) - at);
+                QCOMPARE(write(f.link, stream.constData() + at, size_t(piece)), ssize_t(piece));
+                at += piece;
                 tick();
-                QCOMPARE(currentData.type, r.type);
-                QVERIFY(currentData.num_samples >= 0 && currentData.num_samples <= SA_MAX_SAMPLES);
-                QCOMPARE(nDataCount, nLastIdx + 1);
-                bool rescale = false;
-                for (int i = 1; i < currentData.num_samples; ++i)
-                    wsaTakeSample(i, rescale);
             }
-            QCOMPARE(tick(), QStringList(""));
-            QVERIFY(nLastIdx > 5);
+            for (int i = 0; i < 4; ++i)
+                tick();
         }
+        QCOMPARE(storedLevels(), sent);
+    }
+
+    // The engine's own damage knobs: a sweep cut in half, then a sweep claiming 5000 samples and
+    // a record of unknown type. Every sweep the engine counts is stored.
+    void realEngineDamage_data()
+    {
+        QTest::addColumn<QByteArray>("knob");
+        QTest::newRow("short") << QByteArrayLiteral("WSA_SIM_SHORT_AFTER");
+        QTest::newRow("corrupt") << QByteArrayLiteral("WSA_SIM_CORRUPT_AFTER");
+    }
+
+    void realEngineDamage()
+    {
+        QFETCH(QByteArray, knob);
+        qputenv("WSA_ENGINE_PATH", WSA_ENGINE_BIN);
+        qputenv(knob.constData(), "3");
+        qputenv("WSA_SIM_SWEEPS", "10");
+        qputenv("WSA_SIM_RATE", "40");
+        wsatest::answerModal(); // its Configured box
+        f.w->RestartAppEngines();
+        qunsetenv(knob.constData());
+        qunsetenv("WSA_SIM_SWEEPS");
+        qunsetenv("WSA_SIM_RATE");
+        QTRY_COMPARE_WITH_TIMEOUT(nLastIdx + 1, 10, 6000);
+        QTest::qWait(300); // nothing more arrives
+        QCOMPARE(counts(), QList<int>({9, 10, 423, 423}));
     }
 
     void realEngineStoresSweeps()

@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QtTest>
 
+#include "halbrin_sa.h"
 #include "utilinterface.h"
 #include "wsatestsupport.h"
 
@@ -72,6 +73,74 @@ private slots:
         QVERIFY(m_util->stop() && first.isNull() && !m_util->getObject());
         QVERIFY(m_util->start(nullptr) && m_util->getObject());
         QCOMPARE(env.engineLaunches().size(), 2);
+        QVERIFY(m_util->stop());
+    }
+
+    // The host ends the plug-in from a timer while a modal window of the analyzer is open: no
+    // crash (the sanitizer build checks every access), and the analyzer's destructor runs.
+    void hostEndsUnderModal_data()
+    {
+        QTest::addColumn<QString>("opener");
+        QTest::addColumn<QString>("ending");
+        for (const char* opener : {"configured", "no probe", "keypad", "failed start"})
+            QTest::addRow("%s, stop", opener) << opener << "stop";
+        QTest::newRow("configured, window deleted") << "configured"
+                                                    << "delete";
+        QTest::newRow("keypad, window deleted") << "keypad"
+                                                << "delete";
+    }
+
+    void hostEndsUnderModal()
+    {
+        QFETCH(QString, opener);
+        QFETCH(QString, ending);
+        wsatest::AnalyzerEnv env;
+        stSweep record = wsatest::makeMessage(opener == "no probe" ? char(SA_MSG_NO_DEVICE)
+                                                                   : char(SA_MSG_CONFIGURED));
+        QFile records(env.path() + "/records");
+        QVERIFY(records.open(QIODevice::WriteOnly));
+        if (opener != "keypad")
+            records.write(reinterpret_cast<const char*>(&record), SA_RECORD_SIZE);
+        records.close();
+        qputenv("FAKE_ENGINE_RECORDS", QFile::encodeName(records.fileName()));
+        if (opener == "failed start")
+            qputenv("WSA_ENGINE_PATH", "/nonexistent/wsa_raw");
+
+        QString modalSeen;
+        bool stopped = false;
+        const QString out = wsatest::captureStdout([&] {
+            QVERIFY(m_util->start(nullptr));
+            QPointer<QWidget> window = qobject_cast<QWidget*>(m_util->getObject());
+            wsatest::onNextModal([&](QWidget* modal) {
+                modalSeen = modal->metaObject()->className();
+                if (ending == "stop")
+                    stopped = m_util->stop();
+                else
+                    delete window.data();
+            });
+            if (opener == "keypad") {
+                // Posted, as the host's event loop delivers keys: the press opens the keypad and
+                // never returns into the test's stack while the window goes.
+                QWidget* analyzer = nullptr;
+                const auto children = window->findChildren<QWidget*>();
+                for (QWidget* child : children)
+                    if (qstrcmp(child->metaObject()->className(), "CWsa") == 0)
+                        analyzer = child;
+                QVERIFY(analyzer);
+                QCoreApplication::postEvent(
+                    analyzer, new QKeyEvent(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier));
+            }
+            QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+        });
+        qunsetenv("FAKE_ENGINE_RECORDS");
+        qputenv("WSA_ENGINE_PATH", WSA_FAKE_ENGINE_BIN);
+        QCOMPARE(modalSeen, opener == "keypad" ? QString("CDialog") : QString("CMessageBox"));
+        QCOMPARE(stopped, ending == "stop");
+        QVERIFY2(out.contains("~CWsa\n"), qPrintable(out));
+        QVERIFY(!m_util->getObject() && !m_util->stop());
+        QCOMPARE(QApplication::topLevelWidgets().size(), 0);
+        // And the plug-in starts again as after any stop.
+        QVERIFY(m_util->start(nullptr) && m_util->getObject());
         QVERIFY(m_util->stop());
     }
 

@@ -4,6 +4,7 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QtTest>
+#include <unistd.h>
 
 #include "cmessagebox.h"
 #include "report.h"
@@ -130,10 +131,10 @@ private slots:
         row("signs dropped", "my test_1.a", "mytest1a");
         row("shell characters", "$(touch injected);rm -rf x`id`|&>\\'\"*", "touchinjectedrmrfxid");
         row("non-ASCII", QString::fromUtf8("Stra\u00dfe-5 \u00fc"), "Strae5");
-        // "mkdir -p <dir>/<name>_files" must fit 128 bytes with its NUL.
+        // "mkdir -p '<dir>/<name>_files'" must fit 128 bytes with its NUL.
         const QString long1000 =
             QString("abcdefghijklmnopqrstuvwxyz0123456789").repeated(28).left(1000);
-        const int room = 127 - int(("mkdir -p " + dir() + "_files").toLocal8Bit().size());
+        const int room = 127 - int(("mkdir -p '" + dir() + "_files'").toLocal8Bit().size());
         row("1000 characters", long1000, long1000.left(room), "shortened");
         row("no letters or digits", "-_. /", "",
             "[window] Error: The name must contain letters or digits.");
@@ -178,15 +179,85 @@ private slots:
         QCOMPARE(page.readAll(), expectedPage(name, version, mac, serial));
     }
 
-    void resultDirectoryNotWritable()
+    // When no page can be written the user is told where and why, besides the console line.
+    void unsavedResultIsReported_data()
     {
+        QTest::addColumn<QString>("resultDir"); // relative to the test's directory
+        QTest::addColumn<QString>("console");
+        QTest::addColumn<QString>("reason");
         // Below a regular file nothing can be created, even by root.
-        const QString blocker = m_f.env->path() + "/plain-file";
-        QVERIFY(writeFile(blocker, "x"));
-        qputenv("WSA_RESULT_DIR", (blocker + "/results").toLocal8Bit());
+        QTest::newRow("below a file") << "plain-file/results"
+                                      << "crate file %1/blocked.html failed"
+                                      << "%1/blocked.html\n" + QString(strerror(ENOTDIR));
+        const QString longDir = "d" + QString("x").repeated(120);
+        QTest::newRow("too long") << longDir
+                                  << "Test result not saved: result directory path too long: %1"
+                                  << "%1\nThe path is too long.";
+        QTest::newRow("read-only") << "read-only"
+                                   << "crate file %1/blocked.html failed"
+                                   << "%1/blocked.html\n" + QString(strerror(EACCES));
+    }
+
+    void unsavedResultIsReported()
+    {
+        QFETCH(QString, resultDir);
+        QFETCH(QString, console);
+        QFETCH(QString, reason);
+        if (resultDir == "read-only" && geteuid() == 0)
+            QSKIP("root writes into read-only directories");
+        const QString path = m_f.env->path() + '/' + resultDir;
+        QVERIFY(writeFile(m_f.env->path() + "/plain-file", "x"));
+        QDir().mkpath(m_f.env->path() + "/read-only");
+        QFile::setPermissions(m_f.env->path() + "/read-only", QFile::ReadOwner | QFile::ExeOwner);
+        qputenv("WSA_RESULT_DIR", path.toLocal8Bit());
         const QString out = save("blocked");
-        QVERIFY2(out.contains("crate file " + blocker + "/results/blocked.html failed\n"),
+        QVERIFY2(out.startsWith(console.arg(path) + '\n'), qPrintable(out));
+        QCOMPARE(out.count("[window]"), 1);
+        QVERIFY2(out.contains("[window] Error: The test result could not be saved.\n" +
+                              reason.arg(path) + '\n'),
                  qPrintable(out));
+        QVERIFY(!m_f.w->m_pMsg);
+    }
+
+    // Result directories whose names a shell would act on: created as named, nothing runs.
+    void resultDirIsQuoted_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("blanks") << "with  two blanks";
+        QTest::newRow("semicolon") << "a;touch INJ";
+        QTest::newRow("substitution") << "$(touch INJ)";
+        QTest::newRow("backticks") << "`touch INJ`";
+        QTest::newRow("single quote") << "it's';touch INJ;'";
+        QTest::newRow("double quote") << "say \"hi\";touch INJ";
+    }
+
+    void resultDirIsQuoted()
+    {
+        QFETCH(QString, name);
+        const QString path = m_f.env->path() + "/out/" + name;
+        qputenv("WSA_RESULT_DIR", path.toLocal8Bit());
+        const QString out = save("quoted");
+        QVERIFY2(!out.contains("[window]"), qPrintable(out));
+        QCOMPARE(QDir(path).entryList(QDir::NoDotAndDotDot | QDir::AllEntries, QDir::Name),
+                 QStringList({"quoted.html", "quoted_files"}));
+        QVERIFY(QFile::exists(path + "/quoted_files/wsa.bmp"));
+        QCOMPARE(QDir(m_f.env->path() + "/out").entryList({"*INJ*"}).size(), name.count("INJ"));
+        QVERIFY(!QFile::exists(m_f.env->path() + "/INJ") && !QFile::exists("INJ"));
+        QDir(m_f.env->path() + "/out").removeRecursively();
+    }
+
+    // The platform's texts reach the page escaped; the rest of the page is as ever.
+    void platformTextsAreEscaped()
+    {
+        qputenv("WSA_MAC_ADDRESS", kMac);
+        qputenv("WSA_SERIAL_NUMBER", "S<1>&\"2'");
+        QVERIFY(writeFile(vendorFile(), "X Common <b>&amp;\"v\" 'x'\n"));
+        save("escaped");
+        QFile page(dir("escaped.html"));
+        QVERIFY(page.open(QIODevice::ReadOnly));
+        QCOMPARE(page.readAll(),
+                 expectedPage("escaped", "Common &lt;b&gt;&amp;amp;&quot;v&quot; &#39;x&#39;\n",
+                              kMac, "S&lt;1&gt;&amp;&quot;2&#39;"));
     }
 
     void f1SavesTheScreenAsABrowserShowsIt();

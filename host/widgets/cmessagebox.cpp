@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QVBoxLayout>
 
 #include "cpushbutton.h"
@@ -179,6 +180,8 @@ QMessageBox::StandardButton CMessageBox::information(QWidget* parent, const QStr
     // Callers usually place the box themselves before showing it.
     if (!testAttribute(Qt::WA_Moved))
         CWidgetStyle::moveToScreenCenter(this);
+    // The owner may delete the box (with itself) while it is open; the answer then is no button.
+    const QPointer<CMessageBox> alive(this);
     exec();
-    return m_answer;
+    return alive ? m_answer : QMessageBox::NoButton;
 }

@@ -5,12 +5,16 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <QtGlobal>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "engine.h"
 #include "wsa_p.h"
 
 // imagePath is refreshed from wsaEnginePath() at every start, so WSA_ENGINE_PATH takes effect.
@@ -23,14 +27,20 @@ namespace
 {
 
 const char kSocketPath[] = "SERVERSOCK";
-const int kDefaultConnectTimeoutMs = 10000;
 // After SIGKILL an engine ends within milliseconds; this only bounds a pathological case.
 const int kReapWaitMs = 500;
+// How often the wait for the connection looks whether the engine has ended.
+const int kExitCheckMs = 50;
 
 // Engines we forked and have not yet collected. Only these are waited for: the host may own
 // children of its own, so never waitpid(-1).
 pid_t enginePids[16];
 int enginePidCount = 0;
+
+WsaStartResult lastStart = WSA_START_NO_SOCKET;
+// Absolute path of the socket file we bound, so that it is removed even if the host has changed
+// its working directory since.
+char boundSocketPath[PATH_MAX];
 
 long long monotonicMs()
 {
@@ -70,33 +80,66 @@ void rememberEngine(pid_t pid)
     enginePids[enginePidCount++] = pid;
 }
 
-int connectTimeoutMs()
+bool anyRunning(const pid_t* pids, int count)
 {
-    const char* text = std::getenv("WSA_ENGINE_TIMEOUT_MS");
-    if (!text || !*text)
-        return kDefaultConnectTimeoutMs;
-    char* end = nullptr;
-    const long ms = std::strtol(text, &end, 10);
-    if (*end != '\0' || ms < 0 || ms > INT_MAX)
-        return kDefaultConnectTimeoutMs;
-    return int(ms);
+    reapEngines(0);
+    for (int i = 0; i < count; ++i)
+        for (int j = 0; j < enginePidCount; ++j)
+            if (enginePids[j] == pids[i])
+                return true;
+    return false;
 }
 
-// Waits for the engine to connect, at most the configured time: an engine that cannot start
-// (failed fork, missing program) must not hang the GUI. Returns 0, or an errno value.
-int waitForConnection()
+// Only a process of our own user may feed the analyzer: another user's process could show its
+// own sweeps or close the analyzer with a Disconnect.
+bool peerIsOurUser(int fd)
 {
-    const long long deadline = monotonicMs() + connectTimeoutMs();
+    ucred cred;
+    socklen_t length = sizeof cred;
+    if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &cred, &length) != 0) {
+        std::printf("main engine peer unknown: %d\n", errno);
+        return false;
+    }
+    if (cred.uid == geteuid())
+        return true;
+    std::printf("main engine connection from user %u refused\n", unsigned(cred.uid));
+    return false;
+}
+
+// Waits for our engine to connect: at most the configured time, and no longer than one of the
+// engines started here (or its shell fallback) is still running. Foreign connections are closed
+// and the wait goes on. Returns the connection, or -errno.
+int waitForEngine(const pid_t* started, int startedCount)
+{
+    const long long deadline = monotonicMs() + wsaEngineTimeoutMs();
     pollfd pfd = {mainEngineSock, POLLIN, 0};
+    bool lastLook = false;
     for (;;) {
         const long long left = deadline - monotonicMs();
-        const int r = poll(&pfd, 1, left > 0 ? int(left) : 0);
-        if (r > 0)
-            return 0;
-        if (r == 0)
-            return ETIMEDOUT;
-        if (errno != EINTR)
-            return errno;
+        const int slice = lastLook ? 0 : int(qBound(0LL, left, (long long)kExitCheckMs));
+        const int r = poll(&pfd, 1, slice);
+        if (r < 0 && errno != EINTR)
+            return -errno;
+        if (r > 0) {
+            const int fd = accept4(mainEngineSock, nullptr, nullptr, SOCK_CLOEXEC);
+            if (fd >= 0 && peerIsOurUser(fd))
+                return fd;
+            if (fd >= 0)
+                close(fd);
+            else if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR &&
+                     errno != ECONNABORTED)
+                return -errno;
+            continue;
+        }
+        if (lastLook) {
+            std::puts("main engine ended before connecting");
+            return -ECHILD;
+        }
+        if (left <= 0)
+            return -ETIMEDOUT;
+        // An engine that ended may still have connected just before: look once more.
+        if (!anyRunning(started, startedCount))
+            lastLook = true;
     }
 }
 
@@ -109,30 +152,120 @@ int waitForConnection()
     std::printf("errno=%d\n", errno);
     std::fflush(stdout);
     errno = 0;
-    char command[PATH_MAX + 16];
-    const int n =
-        std::snprintf(command, sizeof command, s_band ? "%s -r 2&" : "%s &", image.imagePath);
-    if (n > 0 && size_t(n) < sizeof command)
-        (void)std::system(command);
+    char path[PATH_MAX + 8];
+    char command[sizeof path + 16];
+    if (wsaShellQuote(image.imagePath, path, sizeof path)) {
+        const int n = std::snprintf(command, sizeof command, s_band ? "%s -r 2&" : "%s &", path);
+        // The shell leaves the engine in the background; as its reaper this process stays until
+        // that engine ends, so the analyzer sees the fallback end as it sees an engine end.
+        (void)prctl(PR_SET_CHILD_SUBREAPER, 1);
+        if (n > 0 && size_t(n) < sizeof command)
+            (void)std::system(command);
+        while (waitpid(-1, nullptr, 0) > 0 || errno == EINTR) {
+        }
+    }
     std::fflush(stdout);
     // _exit, not exit: this is a copy of the GUI process, whose exit handlers and static
     // destructors (Qt, the host's) belong to the parent and must not run twice.
     _exit(0);
 }
 
+// Binds with a mode of 0600 whatever the umask: only our own user may connect.
+int bindOwnerOnly(int fd, const sockaddr_un& addr)
+{
+    const mode_t old = umask(0177);
+    const int r = bind(fd, reinterpret_cast<const sockaddr*>(&addr), sizeof addr);
+    umask(old);
+    return r;
+}
+
+void rememberSocketPath()
+{
+    char cwd[PATH_MAX];
+    if (!getcwd(cwd, sizeof cwd) || std::snprintf(boundSocketPath, sizeof boundSocketPath, "%s/%s",
+                                                  cwd, kSocketPath) >= int(sizeof boundSocketPath))
+        boundSocketPath[0] = '\0';
+}
+
 } // namespace
+
+int wsaEngineTimeoutMs()
+{
+    const char* text = std::getenv("WSA_ENGINE_TIMEOUT_MS");
+    if (!text || !*text)
+        return WSA_ENGINE_TIMEOUT_DEFAULT_MS;
+    char* end = nullptr;
+    errno = 0;
+    const long ms = std::strtol(text, &end, 10);
+    if (errno != 0 || *end != '\0' || ms < WSA_ENGINE_TIMEOUT_MIN_MS ||
+        ms > WSA_ENGINE_TIMEOUT_MAX_MS) {
+        std::printf("WSA_ENGINE_TIMEOUT_MS=%s is not a whole number of milliseconds from %d to "
+                    "%d; using %d\n",
+                    text, int(WSA_ENGINE_TIMEOUT_MIN_MS), int(WSA_ENGINE_TIMEOUT_MAX_MS),
+                    int(WSA_ENGINE_TIMEOUT_DEFAULT_MS));
+        return WSA_ENGINE_TIMEOUT_DEFAULT_MS;
+    }
+    return int(ms);
+}
+
+WsaStartResult wsaLastStartResult()
+{
+    return lastStart;
+}
+
+void wsaReapEngines()
+{
+    reapEngines(0);
+}
+
+void wsaCloseEngineSocket()
+{
+    if (mainEngineSock >= 0) {
+        close(mainEngineSock);
+        mainEngineSock = -1;
+        if (boundSocketPath[0])
+            (void)unlink(boundSocketPath);
+    }
+    boundSocketPath[0] = '\0';
+}
+
+bool wsaShellQuote(const char* text, char* out, size_t outSize)
+{
+    if (!out || outSize == 0)
+        return false;
+    size_t n = 0;
+    auto put = [&](const char* piece) {
+        for (; *piece; ++piece) {
+            if (n + 1 >= outSize)
+                return false;
+            out[n++] = *piece;
+        }
+        return true;
+    };
+    bool fits = put("'");
+    for (const char* p = text ? text : ""; fits && *p; ++p) {
+        // Inside single quotes nothing is special except the closing quote itself.
+        const char single[2] = {*p, '\0'};
+        fits = *p == '\'' ? put("'\\''") : put(single);
+    }
+    fits = fits && put("'");
+    out[fits ? n : 0] = '\0';
+    return fits;
+}
 
 void startAppEngines()
 {
     reapEngines(0);
+    lastStart = WSA_START_NO_SOCKET;
     std::fflush(stdout);
     (void)std::system("mount -t usbfs none /proc/bus/usb");
 
     // The previous listening socket is never used again once a new one exists.
     if (mainEngineSock >= 0)
         close(mainEngineSock);
-    // Close-on-exec: the engine has no business holding the analyzer's sockets.
-    mainEngineSock = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    // Close-on-exec: the engine has no business holding the analyzer's sockets. Non-blocking:
+    // a connection that goes away between poll and accept must not block the GUI.
+    mainEngineSock = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (mainEngineSock < 0) {
         std::puts("main engine socket create fail ! ");
         std::fflush(stdout);
@@ -146,14 +279,18 @@ void startAppEngines()
     std::memset(&addr, 0, sizeof addr);
     addr.sun_family = AF_UNIX;
     std::memcpy(addr.sun_path, kSocketPath, sizeof kSocketPath);
-    if (bind(mainEngineSock, reinterpret_cast<sockaddr*>(&addr), sizeof addr) != 0) {
+    if (bindOwnerOnly(mainEngineSock, addr) != 0) {
         std::puts("main engine socket bind fail ! ");
         std::fflush(stdout);
         return;
     }
+    rememberSocketPath();
     (void)listen(mainEngineSock, 1);
+    lastStart = WSA_START_NO_ENGINE;
 
     moduleImage[0].imagePath = wsaEnginePath();
+    pid_t started[sizeof moduleImage / sizeof moduleImage[0]];
+    int startedCount = 0;
     for (const stModuleImage& image : moduleImage) {
         std::fflush(stdout); // the child must not inherit unwritten output and print it again
         const pid_t pid = fork();
@@ -164,24 +301,20 @@ void startAppEngines()
             runEngine(image);
         } else {
             rememberEngine(pid);
+            started[startedCount++] = pid;
         }
     }
 
     sleep(1);
-    int error = waitForConnection();
-    if (error == 0) {
-        sockFd = accept4(mainEngineSock, nullptr, nullptr, SOCK_CLOEXEC);
-        if (sockFd == -1)
-            error = errno;
-    } else {
-        sockFd = -1;
-    }
+    const int fd = startedCount > 0 ? waitForEngine(started, startedCount) : -ECHILD;
+    sockFd = fd >= 0 ? fd : -1;
     if (sockFd == -1) {
-        std::printf("main accept sock fail: %d\n", error);
+        std::printf("main accept sock fail: %d\n", -fd);
         std::fflush(stdout);
+    } else {
+        lastStart = WSA_START_CONNECTED;
     }
 }
-
 void stopAppEngines()
 {
     // Forget the descriptor once closed: its number may be reused by anyone.
@@ -204,5 +337,6 @@ int CWsa::RestartAppEngines()
     initData();
     startAppEngines();
     resizeGrid();
+    reportEngineStart();
     return 0;
 }

@@ -1,5 +1,7 @@
 // The analyzer's life: construction, the refresh timer, message boxes and destruction.
 #include <QMetaObject>
+#include <QPointer>
+#include <QTimer>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -8,6 +10,7 @@
 #include "ccheckbox.h"
 #include "cmessagebox.h"
 #include "cwidgetstyle.h"
+#include "engine.h"
 #include "plate2promserv.h"
 #include "wsa_p.h"
 
@@ -16,10 +19,13 @@ namespace
 
 void createResultDir()
 {
-    // Sized for any path the environment may give; a command that does not fit is not run
-    // rather than run cut short.
-    char command[PATH_MAX + 16];
-    const int n = std::snprintf(command, sizeof command, "mkdir -p %s", wsaResultDir());
+    // Sized for any path the environment may give, quoted; a command that does not fit is not
+    // run rather than run cut short.
+    char path[4 * PATH_MAX + 8];
+    char command[sizeof path + 16];
+    if (!wsaShellQuote(wsaResultDir(), path, sizeof path))
+        return;
+    const int n = std::snprintf(command, sizeof command, "mkdir -p %s", path);
     if (n > 0 && size_t(n) < sizeof command)
         (void)std::system(command);
 }
@@ -88,6 +94,7 @@ CWsa::CWsa(QWidget* parent)
     std::fflush(stdout);
 
     startAppEngines();
+    reportEngineStart();
 
     // The host frame closes us on its requestToClose(); a bare analyzer has no such frame.
     if (parent && parent->metaObject()->indexOfSignal("requestToClose()") >= 0)
@@ -98,6 +105,7 @@ CWsa::CWsa(QWidget* parent)
 CWsa::~CWsa()
 {
     stopAppEngines();
+    wsaCloseEngineSocket();
     deleteAndClear(pCbCurrent);
     deleteAndClear(pCbAverage);
     deleteAndClear(pCbMax);
@@ -108,6 +116,7 @@ CWsa::~CWsa()
 
 void CWsa::timerEvent(QTimerEvent*)
 {
+    wsaReapEngines();
     wsaDataParse();
 }
 
@@ -133,6 +142,27 @@ QMessageBox::StandardButton CWsa::popMsgBox(QWidget* parent, const QString& titl
         CWidgetStyle::moveToWorkingAreaCenter(m_pMsg);
     }
     return m_pMsg->information(parent, title, text, buttons);
+}
+
+bool CWsa::showMsgBox(const QString& title, const QString& text)
+{
+    const QPointer<CWsa> alive(this);
+    const QMessageBox::StandardButton answer = popMsgBox(this, title, text, QMessageBox::Ok);
+    if (!alive)
+        return false;
+    if (answer == QMessageBox::Ok)
+        msgUpdate();
+    deleteMsgBox();
+    return true;
+}
+
+void CWsa::reportEngineStart()
+{
+    if (wsaLastStartResult() != WSA_START_NO_ENGINE)
+        return;
+    const QString text = tr("The acquisition engine could not be started.\nProgram tried: %1")
+                             .arg(QString::fromLocal8Bit(moduleImage[0].imagePath));
+    QTimer::singleShot(0, this, [this, text]() { showMsgBox(tr("Error"), text); });
 }
 
 void CWsa::deleteMsgBox()

@@ -2,11 +2,26 @@
 #ifndef LINK_H
 #define LINK_H
 
+#include <cstddef>
+
 class CWsa;
 
 // Acts on one complete record of SA_RECORD_SIZE bytes as if it had just been received: copies it
 // into currentData and dispatches on its type. A sweep whose sample count is negative or above
-// SA_MAX_SAMPLES, raw or after the 5 GHz reduction, is dropped with a console line.
-void wsaDispatchRecord(CWsa& wsa, const void* record);
+// SA_MAX_SAMPLES, raw or after the 5 GHz reduction, is dropped with a console line. Returns false
+// when the analyzer was deleted while a box the record opened was up; it must not be used then.
+bool wsaDispatchRecord(CWsa& wsa, const void* record);
+
+// The record reader on a byte stream, as the socket feeds it: appends at most the bytes the
+// pending record still lacks and, once it is whole, acts on it. Returns how many bytes it took;
+// callers loop to feed a longer buffer. Framing rule: a record starts with a known type and a
+// count in 0 .. SA_MAX_SAMPLES. A whole record that does not is reported on the console once per
+// damaged stretch, and bytes are dropped up to the next such start; so are the bytes before a
+// start that lies inside a header. A record start found in the part of a record that its header
+// leaves unused (a record cut short) ends that record there.
+std::size_t wsaTakeBytes(CWsa& wsa, const void* bytes, std::size_t size);
+
+// Forgets a partial record: a new connection starts on a record boundary.
+void wsaResetRecordReader();
 
 #endif

@@ -3,8 +3,10 @@
 
 #include <QLocale>
 #include <QPixmap>
+#include <QPointer>
 #include <QScreen>
 #include <QWindow>
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -12,6 +14,7 @@
 
 #include "ckeypadfactory.h"
 #include "cwidgetstyle.h"
+#include "engine.h"
 #include "plate2promserv.h"
 #include "wsa_p.h"
 
@@ -41,14 +44,56 @@ QString dateText(const QDateTime& when)
     return QLocale::c().toString(when, QStringLiteral("dddd MMMM yyyy hh:mm:ss"));
 }
 
-// Longest name that both the name buffer and the directory command under resultDir hold; 0 when
-// the directory alone fills the command.
+// Longest name that both the name buffer and the quoted directory command under resultDir
+// hold; 0 when the directory alone fills the command.
 int nameRoom(const char* resultDir)
 {
-    // The directory command as saveUnder formats it, with an empty name.
-    const int fixed = std::snprintf(nullptr, 0, "mkdir -p %s/_files", resultDir ? resultDir : "");
+    // The directory command as saveUnder formats it, with an empty name. The name's letters and
+    // digits are not changed by the quoting.
+    char path[WSA_REPORT_COMMAND];
+    char quoted[WSA_REPORT_COMMAND];
+    if (std::snprintf(path, sizeof path, "%s/_files", resultDir ? resultDir : "") >=
+            int(sizeof path) ||
+        !wsaShellQuote(path, quoted, sizeof quoted))
+        return 0;
+    const int fixed = std::snprintf(nullptr, 0, "mkdir -p %s", quoted);
     const int room = WSA_REPORT_COMMAND - 1 - fixed;
     return qBound(0, room, WSA_REPORT_TEXT - 1);
+}
+
+// Text of the platform (vendor file, EEPROM) as it may stand in the page.
+QByteArray htmlEscaped(const char* text)
+{
+    QByteArray out;
+    for (const char* p = text; *p; ++p) {
+        switch (*p) {
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        case '"':
+            out += "&quot;";
+            break;
+        case '\'':
+            out += "&#39;";
+            break;
+        default:
+            out += *p;
+        }
+    }
+    return out;
+}
+
+// No page was written: the user learns where and why, besides the console line.
+void reportNotSaved(CWsa& wsa, const QString& path, const QString& reason)
+{
+    wsa.showMsgBox(QObject::tr("Error"),
+                   CWsa::tr("The test result could not be saved.\n%1\n%2").arg(path, reason));
 }
 
 void formatMacText(const char* mac, char* out, size_t outSize)
@@ -112,11 +157,7 @@ void saveUnder(CWsa& wsa, const QString& entry, const QPixmap& pixmap)
     // would not find them, and the next such save would overwrite them. Saying why lets the
     // user press F1 again with a proper name.
     if (index == 0) {
-        if (wsa.popMsgBox(&wsa, QObject::tr("Error"),
-                          CWsa::tr("The name must contain letters or digits."),
-                          QMessageBox::Ok) == QMessageBox::Ok)
-            wsa.msgUpdate();
-        wsa.deleteMsgBox();
+        wsa.showMsgBox(QObject::tr("Error"), CWsa::tr("The name must contain letters or digits."));
         return;
     }
 
@@ -124,6 +165,7 @@ void saveUnder(CWsa& wsa, const QString& entry, const QPixmap& pixmap)
     const int room = nameRoom(dir);
     if (room == 0) {
         std::printf("Test result not saved: result directory path too long: %s\n", dir);
+        reportNotSaved(wsa, QString::fromLocal8Bit(dir), CWsa::tr("The path is too long."));
         return;
     }
     // A long name is cut to what fits rather than refused: the user still gets the result,
@@ -141,14 +183,19 @@ void saveUnder(CWsa& wsa, const QString& entry, const QPixmap& pixmap)
 
     char cmd[WSA_REPORT_COMMAND];
     std::memset(cmd, 0, sizeof cmd);
-    const int n = std::snprintf(cmd, sizeof cmd, "mkdir -p %s", bmpPath.toLocal8Bit().constData());
-    if (n > 0 && size_t(n) < sizeof cmd)
-        (void)std::system(cmd);
+    char quoted[WSA_REPORT_COMMAND];
+    if (wsaShellQuote(bmpPath.toLocal8Bit().constData(), quoted, sizeof quoted)) {
+        const int n = std::snprintf(cmd, sizeof cmd, "mkdir -p %s", quoted);
+        if (n > 0 && size_t(n) < sizeof cmd)
+            (void)std::system(cmd);
+    }
 
     const QByteArray resultPath8 = resultPath.toLocal8Bit();
     FILE* pfHtml = std::fopen(resultPath8.constData(), "w+");
     if (!pfHtml) {
+        const int error = errno;
         std::printf("crate file %s failed\n", resultPath8.constData());
+        reportNotSaved(wsa, resultPath, QString::fromLocal8Bit(std::strerror(error)));
         return;
     }
     writePageHead(pfHtml);
@@ -188,8 +235,13 @@ void CWsa::saveTestResult()
     const QPixmap pixmap =
         grabOwnArea(this).copy(0, 0, work.width() - tools.width() - 2, work.height());
 
+    const QPointer<CWsa> alive(this);
     const QString entry = getKeyboard(tr("Save Test Result"), defaultName);
+    if (!alive)
+        return; // deleted with its window while the keypad was open
     saveUnder(*this, entry, pixmap);
+    if (!alive)
+        return;
 
     m_bUpdate = true;
     update();
@@ -225,7 +277,7 @@ void CWsa::saveGeneralInfoOfSet(FILE* pfOutput, int font_size)
 
     (void)GetVersion(wsaVendorInfoPath(), sVersion, sizeof sVersion);
     writeInfoRow(pfOutput, font_size, QObject::tr("Software Version:").toLocal8Bit().constData(),
-                 sVersion);
+                 htmlEscaped(sVersion).constData());
 
     if (m_pE2promserv && m_pE2promserv->ReadMacAddr(mac) == 0) {
         formatMacText(mac, formatMac, sizeof formatMac);
@@ -238,7 +290,8 @@ void CWsa::saveGeneralInfoOfSet(FILE* pfOutput, int font_size)
     if (m_pE2promserv && m_pE2promserv->ReadSN(sn) == 0) {
         sn[sizeof sn - 1] = '\0'; // the platform's text, bounded here whatever it wrote
         writeInfoRow(pfOutput, font_size,
-                     QObject::tr("Serial Number of Test Set:").toLocal8Bit().constData(), sn);
+                     QObject::tr("Serial Number of Test Set:").toLocal8Bit().constData(),
+                     htmlEscaped(sn).constData());
     } else {
         std::printf("### ERROR: FILE:%s\t Func:%s\t%d\n", sourceName(), __func__, __LINE__);
     }

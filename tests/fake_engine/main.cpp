@@ -3,6 +3,7 @@
 //   connect (default)  connect to ./SERVERSOCK, send the records of $FAKE_ENGINE_RECORDS (raw
 //                      bytes, if set), then stay until the analyzer closes the connection;
 //   noconnect          never connect; sleep until killed (at most a minute).
+// $FAKE_ENGINE_DELAY_MS, if set, delays the connection by that many milliseconds.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -27,7 +28,7 @@ static void logCommandLine(int argc, char** argv)
 
 static int connectToAnalyzer()
 {
-    sockaddr_un addr {};
+    sockaddr_un addr{};
     addr.sun_family = AF_UNIX;
     std::strcpy(addr.sun_path, "SERVERSOCK");
     for (int attempt = 0; attempt < 100; ++attempt) {
@@ -64,6 +65,8 @@ int main(int argc, char** argv)
         sleep(60);
         return 0;
     }
+    if (const char* delay = std::getenv("FAKE_ENGINE_DELAY_MS"))
+        usleep(useconds_t(std::atoi(delay)) * 1000);
     int fd = connectToAnalyzer();
     if (fd < 0)
         return 1;
