@@ -237,29 +237,46 @@ private slots:
     }
 
     // The engine's own damage knobs: a sweep cut in half, then a sweep claiming 5000 samples and
-    // a record of unknown type. Every sweep the engine counts is stored.
+    // a record of unknown type. Every sweep record the engine sends is stored: the whole ones,
+    // which its recording lists (sweeps it made while the analyzer was not reading yet are
+    // combined into one), and the half sweep, which bypasses the recording.
     void realEngineDamage_data()
     {
         QTest::addColumn<QByteArray>("knob");
-        QTest::newRow("short") << QByteArrayLiteral("WSA_SIM_SHORT_AFTER");
-        QTest::newRow("corrupt") << QByteArrayLiteral("WSA_SIM_CORRUPT_AFTER");
+        QTest::addColumn<int>("unrecorded");
+        QTest::newRow("short") << QByteArrayLiteral("WSA_SIM_SHORT_AFTER") << 1;
+        QTest::newRow("corrupt") << QByteArrayLiteral("WSA_SIM_CORRUPT_AFTER") << 0;
     }
 
     void realEngineDamage()
     {
         QFETCH(QByteArray, knob);
+        QFETCH(int, unrecorded);
+        QTemporaryDir recordings;
+        QVERIFY(recordings.isValid());
         qputenv("WSA_ENGINE_PATH", WSA_ENGINE_BIN);
-        qputenv(knob.constData(), "3");
-        qputenv("WSA_SIM_SWEEPS", "10");
-        qputenv("WSA_SIM_RATE", "40");
+        qputenv("WSA_RECORD_DIR", QFile::encodeName(recordings.path()));
+        qputenv(knob.constData(), "6");
+        qputenv("WSA_SIM_SWEEPS", "12");
+        qputenv("WSA_SIM_RATE", "4");
+        qputenv("WSA_OUTPUT_RATE", "4");
         wsatest::answerModal(); // its Configured box
         f.w->RestartAppEngines();
-        qunsetenv(knob.constData());
-        qunsetenv("WSA_SIM_SWEEPS");
-        qunsetenv("WSA_SIM_RATE");
-        QTRY_COMPARE_WITH_TIMEOUT(nLastIdx + 1, 10, 6000);
-        QTest::qWait(300); // nothing more arrives
-        QCOMPARE(counts(), QList<int>({9, 10, 423, 423}));
+        for (const char* name : {knob.constData(), "WSA_SIM_SWEEPS", "WSA_SIM_RATE",
+                                 "WSA_OUTPUT_RATE", "WSA_RECORD_DIR"})
+            qunsetenv(name);
+        auto recorded = [&] {
+            const QStringList files = QDir(recordings.path()).entryList({"*.csv"}, QDir::Files);
+            if (files.size() != 1)
+                return -1;
+            QFile file(recordings.filePath(files.first()));
+            return file.open(QIODevice::ReadOnly) ? int(file.readAll().count('\n')) : -1;
+        };
+        // Sweeps 7 .. 12 follow the damage one record each, at the analyzer's reading pace.
+        QTRY_VERIFY_WITH_TIMEOUT(recorded() >= 6 && nLastIdx + 1 == recorded() + unrecorded, 10000);
+        QTest::qWait(600); // nothing more arrives
+        const int n = recorded() + unrecorded;
+        QCOMPARE(counts(), QList<int>({n - 1, n, 423, 423}));
     }
 
     void realEngineStoresSweeps()

@@ -92,6 +92,28 @@ Signatur am Spektrum auszurichten</translation>
         <source>2.0%</source>
         <translation>2,0%</translation>
     </message>
+    <message>
+        <source>The acquisition engine could not be started.
+Program tried: %1</source>
+        <translation>Das Erfassungsprogramm konnte nicht gestartet werden.
+Versuchtes Programm: %1</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>The test result could not be saved.
+%1
+%2</source>
+        <translation>Das Testergebnis konnte nicht gespeichert werden.
+%1
+%2</translation>
+    </message>
+    <message>
+        <source>The path is too long.</source>
+        <translation>Der Pfad ist zu lang.</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
