@@ -1,12 +1,17 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test twice: a plain build and one with
-# AddressSanitizer and UndefinedBehaviorSanitizer; then the fuzz target for a minute.
+# AddressSanitizer and UndefinedBehaviorSanitizer; then the fuzz target for a minute and the
+# Debian package checks. The last line counts the steps that passed and failed.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup.sh" --test
 
 export QT_QPA_PLATFORM=offscreen
 status=0
+passed=0
+failed=0
+# Counts one step of the run for the closing line.
+step() { if "$@"; then passed=$((passed + 1)); else failed=$((failed + 1)); status=1; fi; }
 for variant in plain asan; do
     dir="$root/build-test-$variant"
     opts=()
@@ -14,10 +19,11 @@ for variant in plain asan; do
     echo "== $variant build"
     "$root/scripts/build.sh" "$dir" "${opts[@]}"
     echo "== $variant tests"
-    (cd "$dir" && ctest --output-on-failure -j"$(nproc)") || status=1
+    step bash -c 'cd "$1" && ctest --output-on-failure -j"$(nproc)"' _ "$dir"
 done
 echo "== fuzz run"
-"$root/scripts/fuzz.sh" 60 || status=1
+step "$root/scripts/fuzz.sh" 60
 echo "== Debian package"
-"$root/scripts/package-check.sh" "$root/build-test-package" || status=1
+step "$root/scripts/package-check.sh" "$root/build-test-package"
+echo "steps: $passed passed, $failed failed"
 exit $status

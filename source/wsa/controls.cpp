@@ -35,6 +35,7 @@ bool bFrequency;
 
 void CWsa::buildControls(const QRect& toolRegion)
 {
+    // Set at the start and again at the end, on purpose.
     bCurrent = true;
     bAverage = true;
     bMax = true;

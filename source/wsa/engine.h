@@ -1,9 +1,21 @@
-// Engine process control beyond start and stop: the outcome of a start, prompt collection of
-// ended engines, the listening socket's end, and shell quoting of paths.
+// Engine process control: the engine program table, the band it is started for, its socket, start
+// and stop, the outcome of a start, prompt collection of ended engines, the listening socket's
+// end, and shell quoting of paths.
 #ifndef ENGINE_H
 #define ENGINE_H
 
 #include <cstddef>
+
+struct stModuleImage {
+    const char* imagePath;
+    const char* imageName;
+};
+extern stModuleImage moduleImage[1];
+extern int s_band; // 0 = 2.4 GHz, 1 = 5 GHz
+extern int mainEngineSock;
+extern int sockFd;
+void startAppEngines();
+void stopAppEngines();
 
 // Bounds of WSA_ENGINE_TIMEOUT_MS, the wait for the engine's connection, in milliseconds; a value
 // outside them (or not a whole number) falls back to the default with a console line.

@@ -47,6 +47,7 @@ CWsa::CWsa(QWidget* parent)
     const QRect toolRegion = CWidgetStyle::getScreenRegion(CWidgetStyle::REGION_TOOL_BOX);
     m_pE2promserv = new halmanager::PlatE2PromServ;
 
+    // Set again after the initialiser list on purpose: this is the order of construction.
     m_pSignature = nullptr;
     m_bInspector = true;
     m_bInspectorUpdate = false;
@@ -59,6 +60,7 @@ CWsa::CWsa(QWidget* parent)
     createResultDir();
 
     s_band = 0;
+    // Set here and again by initData, on purpose.
     nMinDraw = -110;
     nMaxDraw = -10;
     bPlanarView = true;
@@ -68,6 +70,7 @@ CWsa::CWsa(QWidget* parent)
     initData();
     resizeGrid();
 
+    // Set before the controls are built and again after, on purpose.
     bCurrent = bAverage = bMax = true;
     bSignatures = false;
     buildControls(toolRegion);

@@ -1,8 +1,13 @@
-// Default locations of a desktop installation, and the engine's share of them.
+// Compiled-in paths, overridable from the environment, and the default locations of a desktop
+// installation.
 #ifndef WSA_PATHS_H
 #define WSA_PATHS_H
 
 #include <QString>
+
+const char* wsaEnginePath();     // WSA_ENGINE_PATH
+const char* wsaResultDir();      // WSA_RESULT_DIR
+const char* wsaVendorInfoPath(); // WSA_VENDOR_INFO
 
 // True when the compiled-in defaults are those of a desktop installation rather than the test
 // set's fixed paths.
