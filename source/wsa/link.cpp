@@ -246,6 +246,20 @@ bool takePending(CWsa& wsa)
     return wsaDispatchRecord(wsa, record);
 }
 
+// Bytes the pending record still lacks: at most this much is read at a time.
+size_t missingBytes()
+{
+    return static_cast<size_t>(SA_RECORD_SIZE - pendingFill);
+}
+
+// `n` bytes have been placed behind the pending ones; a whole record is acted on.
+void appended(CWsa& wsa, size_t n)
+{
+    pendingFill += static_cast<int>(n);
+    if (pendingFill == SA_RECORD_SIZE)
+        takePending(wsa);
+}
+
 } // namespace
 
 bool wsaDispatchRecord(CWsa& wsa, const void* record)
@@ -269,11 +283,9 @@ bool wsaDispatchRecord(CWsa& wsa, const void* record)
 
 size_t wsaTakeBytes(CWsa& wsa, const void* bytes, size_t size)
 {
-    const size_t taken = std::min(size, static_cast<size_t>(SA_RECORD_SIZE - pendingFill));
+    const size_t taken = std::min(size, missingBytes());
     std::memcpy(pendingRecord + pendingFill, bytes, taken);
-    pendingFill += static_cast<int>(taken);
-    if (pendingFill == SA_RECORD_SIZE)
-        takePending(wsa);
+    appended(wsa, taken);
     return taken;
 }
 
@@ -302,12 +314,9 @@ void CWsa::wsaDataParse()
         probeGoneReported = false;
     }
 
-    const ssize_t got = recv(sockFd, pendingRecord + pendingFill,
-                             static_cast<size_t>(SA_RECORD_SIZE - pendingFill), MSG_DONTWAIT);
+    const ssize_t got = recv(sockFd, pendingRecord + pendingFill, missingBytes(), MSG_DONTWAIT);
     if (got > 0) {
-        pendingFill += static_cast<int>(got);
-        if (pendingFill == SA_RECORD_SIZE)
-            takePending(*this);
+        appended(*this, static_cast<size_t>(got));
         return;
     }
     const int error = got < 0 ? errno : 0;

@@ -88,13 +88,9 @@ QString wsaEnterDesktopWorkDir()
 {
     if (!wsaDesktopPaths())
         return QString();
-    QString base = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (base.isEmpty())
-        base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    const QString dir = QDir::cleanPath(base + QStringLiteral("/wsa"));
+    const QString dir = underLocation(QStandardPaths::RuntimeLocation, QStringLiteral("wsa"));
     // Owner-only: the socket in it carries the user's measurements.
-    if (!QDir().mkpath(dir) ||
-        !QFile::setPermissions(dir, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner) ||
+    if (!QFile::setPermissions(dir, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner) ||
         !QDir::setCurrent(dir))
         return QString();
     return dir;
