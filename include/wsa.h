@@ -1,7 +1,7 @@
 // The Wi-Fi spectrum analyzer window.
 //
 // One analyzer exists at a time: the sweep store, the view geometry and the control pointers are
-// file-scope globals of the analyzer module (declared for the module in source/wsa/wsa_p.h).
+// file-scope globals of the analyzer module (declared for the module in analyzer/window/wsa_p.h).
 // Levels are dBm (negative); magnitudes are |dBm|.
 #ifndef WSA_H
 #define WSA_H

@@ -40,4 +40,4 @@ if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ] && [ -z "${QT_QPA_PLAT
     echo "No display: the analyzer is served over VNC. Connect a viewer to localhost:5900"
     echo "(for example: vncviewer localhost:5900). Stop it with Ctrl+C."
 fi
-exec "$root/build/source/wsa" ${args[@]+"${args[@]}"}
+exec "$root/build/apps/wsa" ${args[@]+"${args[@]}"}

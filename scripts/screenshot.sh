@@ -68,7 +68,7 @@ export DISPLAY=":$(head -n1 "$work/display")"
     export WSA_ENGINE_PATH="$build/engine/wsa_raw"
     export WSA_RESULT_DIR="$work/results"
     export WSA_SIM_RATE=10
-    exec "$build/source/wsa" >"$work/wsa.log" 2>&1
+    exec "$build/apps/wsa" >"$work/wsa.log" 2>&1
 ) &
 app_pid=$!
 

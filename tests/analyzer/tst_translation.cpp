@@ -85,12 +85,11 @@ void TestTranslation::everyTextHasGermanEntry()
 
     const QDir root(WSA_SOURCE_DIR);
     QStringList args{"-silent", "-no-obsolete", "-locations", "none"};
-    for (const char* pattern :
-         {"source/*.cpp", "source/wsa/*.cpp", "source/wsa/*.h", "include/*.h"}) {
-        const QFileInfo where(root.filePath(pattern));
-        for (const QFileInfo& file :
-             QDir(where.path(), where.fileName()).entryInfoList(QDir::Files))
-            args << file.absoluteFilePath();
+    for (const char* dir : {"apps", "analyzer", "include"}) {
+        QDirIterator it(root.filePath(dir), {"*.cpp", "*.h"}, QDir::Files,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext())
+            args << it.next();
     }
     args << "-ts" << ts;
     QProcess run;

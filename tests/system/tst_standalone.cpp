@@ -3,7 +3,7 @@
 #include <QtTest>
 
 #define WSA_STANDALONE_NO_MAIN
-#include "../source/main.cpp"
+#include "../../apps/main.cpp"
 #include "wsatestsupport.h"
 
 namespace
@@ -88,7 +88,7 @@ void TestStandalone::versionIsTheProjects()
     const QRegularExpressionMatch project =
         QRegularExpression("project\\(wsa VERSION ([0-9.]+)").match(cmake.readAll());
     QVERIFY(project.hasMatch());
-    const QString program = QFileInfo(WSA_ENGINE_BIN).dir().filePath("../source/wsa");
+    const QString program = QFileInfo(WSA_ENGINE_BIN).dir().filePath("../apps/wsa");
     QVERIFY2(QFileInfo::exists(program), "build the wsa_standalone target");
     QProcess wsa;
     wsa.start(program, {"--version"});
