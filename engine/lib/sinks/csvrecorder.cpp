@@ -1,4 +1,4 @@
-#include "recorder.h"
+#include "csvrecorder.h"
 
 #include <cerrno>
 #include <cmath>
@@ -6,59 +6,32 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <filesystem>
 #include <unistd.h>
 
-namespace
-{
+#include "sweepcsv.h"
 
-// mkdir -p
-bool makeDirs(const std::string& dir)
-{
-    struct stat st;
-    if (stat(dir.c_str(), &st) == 0)
-        return S_ISDIR(st.st_mode) || (errno = ENOTDIR, false);
-    const std::size_t slash = dir.find_last_of('/');
-    if (slash != std::string::npos && slash > 0 && !makeDirs(dir.substr(0, slash)))
-        return false;
-    return mkdir(dir.c_str(), 0777) == 0 || errno == EEXIST;
-}
-
-char* putInt(char* p, long long v)
-{
-    char digits[24];
-    int n = 0;
-    const bool negative = v < 0;
-    unsigned long long u = negative ? 0ULL - (unsigned long long)v : (unsigned long long)v;
-    do {
-        digits[n++] = char('0' + u % 10);
-        u /= 10;
-    } while (u);
-    if (negative)
-        *p++ = '-';
-    while (n)
-        *p++ = digits[--n];
-    return p;
-}
-
-} // namespace
-
-Recorder::Recorder(const char* dir, Band band) : m_grid(bandGrid(band)), m_dir(dir)
+CsvRecorderSink::CsvRecorderSink(const std::string& dir, const wsa::Band& band)
+    : m_grid(band.grid), m_dir(dir)
 {
     const time_t now = time(nullptr);
     tm local;
     localtime_r(&now, &local);
     char name[64];
     strftime(name, sizeof name, "wsa-%Y%m%d-%H%M%S", &local);
-    m_base = m_dir + "/" + name + (band == Band::Ghz5 ? "-5g" : "-2g4");
+    m_base = m_dir + "/" + name + "-" + band.key;
 }
 
-bool Recorder::create()
+bool CsvRecorderSink::create()
 {
     m_failed = true;
-    if (!makeDirs(m_dir)) {
+    std::error_code error;
+    std::filesystem::create_directories(m_dir, error);
+    if (!error && !std::filesystem::is_directory(m_dir, error))
+        error = std::make_error_code(std::errc::not_a_directory);
+    if (error) {
         std::fprintf(stderr, "wsa_raw: not recording, cannot create %s: %s\n", m_dir.c_str(),
-                     std::strerror(errno));
+                     error.message().c_str());
         return false;
     }
     // Two starts within a second get a numbered name rather than sharing a file.
@@ -77,31 +50,27 @@ bool Recorder::create()
     return true;
 }
 
-Recorder::~Recorder()
+CsvRecorderSink::~CsvRecorderSink()
 {
     if (m_fd >= 0)
         close(m_fd);
 }
 
-void Recorder::append(const int* levels)
+SinkResult CsvRecorderSink::sweep(const int* levels, int /*count*/)
 {
     if (m_failed || (m_fd < 0 && !create()))
-        return;
+        return SinkResult::Ok;
     timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
     tm local;
     localtime_r(&now.tv_sec, &local);
     char* p = m_row + strftime(m_row, 32, "%Y-%m-%d, %H:%M:%S", &local);
-    // The bins are cells centred on the grid's frequencies.
-    const double lowHz = m_grid.startHz - m_grid.stepHz / 2;
+    // The cells are centred on the grid's frequencies.
+    const double lowHz = m_grid.lowEdgeHz();
     p += std::snprintf(p, 96, ".%06ld, %lld, %lld, %.2f, %d", now.tv_nsec / 1000,
                        std::llround(lowHz), std::llround(lowHz + m_grid.shown * m_grid.stepHz),
                        m_grid.stepHz, m_grid.shown);
-    for (int i = 0; i < m_grid.shown; ++i) {
-        *p++ = ',';
-        *p++ = ' ';
-        p = putInt(p, levels[i]);
-    }
+    p = wsa::appendLevels(p, levels, m_grid.shown);
     *p++ = '\n';
     const char* out = m_row;
     while (out < p) {
@@ -114,8 +83,9 @@ void Recorder::append(const int* levels)
             close(m_fd);
             m_fd = -1;
             m_failed = true;
-            return;
+            return SinkResult::Ok;
         }
         out += n;
     }
+    return SinkResult::Ok;
 }

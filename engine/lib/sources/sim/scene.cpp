@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <vector>
 
 // A carrier's power spectrum relative to its flat top (dB) at a distance from its centre (MHz),
 // piecewise linear between the points; nothing beyond the last point.
@@ -37,6 +38,8 @@ namespace
 // a little better than the regulatory mask.
 constexpr Shape kWifi20{{{9, 0}, {11, -24}, {20, -38}, {30, -55}}, 4};
 constexpr Shape kWifi40{{{19, 0}, {21, -24}, {40, -38}, {60, -55}}, 4};
+constexpr Shape kWifi80{{{39, 0}, {41, -24}, {80, -38}, {120, -55}}, 4};
+constexpr Shape kWifi160{{{79, 0}, {81, -24}, {160, -38}, {240, -55}}, 4};
 constexpr Shape kBluetooth{{{0.4, 0}, {1.0, -20}, {2.0, -38}}, 3};
 // A magnetron's broad hump, some 40 MHz wide at 20 dB down.
 constexpr Shape kOven{{{3, 0}, {10, -8}, {20, -22}, {30, -45}}, 4};
@@ -44,8 +47,11 @@ constexpr Shape kOven{{{3, 0}, {10, -8}, {20, -22}, {30, -45}}, 4};
 constexpr Shape kSensor24{{{0.7, 0}, {1.5, -18}, {3.0, -35}}, 3};
 constexpr Shape kSensor5{{{0.3, 0}, {0.8, -18}, {2.0, -35}}, 3};
 
+// An access point, by the 20 MHz channels at the edges of its channel: one for a 20 MHz
+// channel, the outer two of the bonded ones otherwise; it is centred between them.
 struct WifiChannel {
-    double centreMHz;
+    int first;
+    int last;
     int widthMHz;
     double levelDbm; // flat top when transmitting
     double duty;     // chance that a sweep catches a burst
@@ -53,28 +59,34 @@ struct WifiChannel {
 
 // A nearby access point on the first channel of each band, busier and weaker ones further off.
 constexpr WifiChannel kWifi24[] = {
-    {2412, 20, -36, 0.45}, // channel 1
-    {2437, 20, -47, 0.25}, // channel 6
-    {2462, 20, -58, 0.20}, // channel 11
-    {2442, 40, -66, 0.10}, // channels 5+9
-    {2472, 20, -74, 0.08}, // channel 13
+    {1, 1, 20, -36, 0.45},   {6, 6, 20, -47, 0.25},   {11, 11, 20, -58, 0.20},
+    {5, 9, 40, -66, 0.10},   {13, 13, 20, -74, 0.08},
 };
 // Access points at 5 GHz are further off or behind walls in a survey: their levels stay inside
 // the analyzer's -100..-50 dBm range for the band.
 constexpr WifiChannel kWifi5[] = {
-    {5180, 20, -56, 0.50}, // channel 36
-    {5230, 40, -63, 0.35}, // channels 44+48
-    {5300, 20, -74, 0.20}, // channel 60
-    {5500, 20, -68, 0.25}, // channel 100
-    {5570, 40, -80, 0.15}, // channels 112+116
-    {5660, 20, -86, 0.10}, // channel 132
-    {5745, 20, -59, 0.40}, // channel 149
-    {5795, 40, -66, 0.30}, // channels 157+161
-    {5825, 20, -83, 0.12}, // channel 165
+    {36, 36, 20, -56, 0.50},   {44, 48, 40, -63, 0.35},   {60, 60, 20, -74, 0.20},
+    {100, 100, 20, -68, 0.25}, {112, 116, 40, -80, 0.15}, {132, 132, 20, -86, 0.10},
+    {149, 149, 20, -59, 0.40}, {157, 161, 40, -66, 0.30}, {165, 165, 20, -83, 0.12},
+};
+// 6 GHz reaches less far through walls still: distant access points, among them the wide
+// channels the band was opened for (80 MHz channel 39, 160 MHz channel 79).
+constexpr WifiChannel kWifi6[] = {
+    {5, 5, 20, -74, 0.30},     {33, 45, 80, -68, 0.45},   {53, 53, 20, -82, 0.15},
+    {65, 93, 160, -76, 0.35},  {117, 117, 20, -86, 0.10}, {161, 165, 40, -80, 0.20},
+    {197, 197, 20, -72, 0.25},
 };
 
-constexpr double kSensors24[] = {2425, 2450, 2475, 2480}; // 802.15.4 channels 15, 20, 25, 26
+// Sensor networks: 802.15.4 channels 15, 20, 25, 26 at 2.4 GHz; 1 MHz channels in the 5.8 GHz
+// ISM band.
+constexpr double kSensors24[] = {2425, 2450, 2475, 2480};
 constexpr double kSensors5[] = {5728, 5733};
+// Bluetooth's 79 hop channels of 1 MHz from here.
+constexpr double kBluetoothFirstMHz = 2402;
+constexpr int kBluetoothChannels = 79;
+// The oven's magnetron wanders between these with its load.
+constexpr double kOvenLowMHz = 2451;
+constexpr double kOvenDriftMHz = 8;
 
 constexpr double kNoiseFloorDbm = -95;
 constexpr int kProbeMinDbm = -110; // the probe's measuring range
@@ -92,17 +104,52 @@ double toMilliwatts(double dbm)
     return std::pow(10.0, dbm / 10.0);
 }
 
+template <typename T, std::size_t N>
+constexpr int countOf(const T (&)[N])
+{
+    return int(N);
+}
+
 } // namespace
 
-BandLayout bandLayout(Band band)
+// What a band's scene holds besides its noise floor.
+struct SceneSpec {
+    wsa::BandId band;
+    const WifiChannel* wifi;
+    int wifiCount;
+    const double* sensors;
+    int sensorCount;
+    const Shape* sensorShape;
+    double sensorLevelDbm;
+    bool ism; // Bluetooth and a microwave oven share the band
+};
+
+namespace
 {
-    const bool high = band == Band::Ghz5;
-    const int start = high ? 5160 : 2400;
-    const int step = high ? 747 : 213;
-    const int samples = high ? 1024 : 423;
-    const long lastKHz = start * 1000L + long(samples - 1) * step;
-    return {start, int((lastKHz + 500) / 1000), step, samples};
+
+constexpr SceneSpec kScenes[] = {
+    {wsa::BandId::Ghz24, kWifi24, countOf(kWifi24), kSensors24, countOf(kSensors24), &kSensor24,
+     -70, true},
+    {wsa::BandId::Ghz5, kWifi5, countOf(kWifi5), kSensors5, countOf(kSensors5), &kSensor5, -78,
+     false},
+    {wsa::BandId::Ghz6, kWifi6, countOf(kWifi6), nullptr, 0, nullptr, 0, false},
+};
+
+// Every band of the plan has a scene; a band without one is a build mistake caught by the tests.
+const SceneSpec& sceneOf(wsa::BandId band)
+{
+    for (const SceneSpec& spec : kScenes)
+        if (spec.band == band)
+            return spec;
+    return kScenes[0];
 }
+
+const Shape& wifiShape(int widthMHz)
+{
+    return widthMHz >= 160 ? kWifi160 : widthMHz >= 80 ? kWifi80 : widthMHz >= 40 ? kWifi40 : kWifi20;
+}
+
+} // namespace
 
 std::uint64_t Rng::next()
 {
@@ -119,16 +166,22 @@ double Rng::gauss()
     return (sum - 2.0) * 1.7320508075688772;
 }
 
-Scene::Scene(Band band, std::uint64_t seed) : m_layout(bandLayout(band)), m_band(band), m_rng(seed)
+Scene::Scene(const wsa::Band& band, std::uint64_t seed)
+    : m_layout(band.simAnnouncement), m_spec(sceneOf(band.id)), m_rng(seed)
 {
     std::fill(std::begin(m_milliwatts), std::end(m_milliwatts), 0.0);
+    for (int k = 0; k < m_spec.wifiCount; ++k) {
+        const wsa::Channel* first = band.channel(20, m_spec.wifi[k].first);
+        const wsa::Channel* last = band.channel(20, m_spec.wifi[k].last);
+        m_wifiCentresMHz.push_back(first && last ? (first->centerMHz + last->centerMHz) / 2 : 0.0);
+    }
 }
 
 void Scene::nextSweep(int* levels)
 {
     addNoiseFloor();
     addWifi();
-    if (m_band == Band::Ghz24) {
+    if (m_spec.ism) {
         addBluetooth();
         addOven();
     }
@@ -148,27 +201,26 @@ void Scene::addNoiseFloor()
 
 void Scene::addWifi()
 {
-    const bool high = m_band == Band::Ghz5;
-    const WifiChannel* begin = high ? std::begin(kWifi5) : std::begin(kWifi24);
-    const WifiChannel* end = high ? std::end(kWifi5) : std::end(kWifi24);
-    for (const WifiChannel* ch = begin; ch != end; ++ch) {
-        if (m_rng.uniform() >= ch->duty)
+    for (int k = 0; k < m_spec.wifiCount; ++k) {
+        const WifiChannel& ch = m_spec.wifi[k];
+        const double centreMHz = m_wifiCentresMHz[std::size_t(k)];
+        if (m_rng.uniform() >= ch.duty)
             continue;
         int from = 0;
         int to = m_layout.samples - 1;
         // The burst started or ended while the sweep was crossing the channel.
         if (m_rng.uniform() < 0.35) {
-            const double half = ch->widthMHz / 2.0;
-            const int lo = binAtOrAbove(ch->centreMHz - half);
-            const int hi = binAtOrBelow(ch->centreMHz + half);
+            const double half = ch.widthMHz / 2.0;
+            const int lo = binAtOrAbove(centreMHz - half);
+            const int hi = binAtOrBelow(centreMHz + half);
             const int cut = lo + m_rng.below(std::max(1, hi - lo + 1));
             if (m_rng.uniform() < 0.5)
                 to = cut;
             else
                 from = cut;
         }
-        const Shape& shape = ch->widthMHz == 40 ? kWifi40 : kWifi20;
-        addCarrier(shape, ch->centreMHz, ch->levelDbm + 2.0 * m_rng.gauss(), 0.8, from, to);
+        addCarrier(wifiShape(ch.widthMHz), centreMHz, ch.levelDbm + 2.0 * m_rng.gauss(), 0.8,
+                   from, to);
     }
 }
 
@@ -177,7 +229,7 @@ void Scene::addBluetooth()
     // 1600 hops per second over 79 channels of 1 MHz: a sweep catches a handful.
     const int hops = 1 + m_rng.below(6);
     for (int h = 0; h < hops; ++h) {
-        const double centre = 2402 + m_rng.below(79);
+        const double centre = kBluetoothFirstMHz + m_rng.below(kBluetoothChannels);
         addCarrier(kBluetooth, centre, -52 + 4.0 * m_rng.gauss(), 0.5);
     }
 }
@@ -187,9 +239,9 @@ void Scene::addOven()
     const int pos = int(m_sweep % kOvenPeriodSweeps) - kOvenStartSweep;
     if (pos < 0)
         return;
-    // The frequency wanders with the load: a triangle between 2451 and 2459 MHz.
+    // The frequency wanders with the load: a triangle across the drift range.
     const double drift = std::fabs((pos % 40) / 20.0 - 1.0);
-    const double centre = 2451 + 8.0 * drift;
+    const double centre = kOvenLowMHz + kOvenDriftMHz * drift;
     const double level = -44 + 1.5 * m_rng.gauss();
     const int phase = m_rng.below(2 * kOvenStripeBins);
     for (int first = -phase; first < m_layout.samples; first += 2 * kOvenStripeBins)
@@ -198,14 +250,10 @@ void Scene::addOven()
 
 void Scene::addSensors()
 {
-    const bool high = m_band == Band::Ghz5;
-    const double* begin = high ? std::begin(kSensors5) : std::begin(kSensors24);
-    const double* end = high ? std::end(kSensors5) : std::end(kSensors24);
-    const Shape& shape = high ? kSensor5 : kSensor24;
-    const double level = high ? -78 : -70;
-    for (const double* centre = begin; centre != end; ++centre) {
+    for (int k = 0; k < m_spec.sensorCount; ++k) {
         if (m_rng.uniform() < 0.2)
-            addCarrier(shape, *centre, level + 3.0 * m_rng.gauss(), 0.5);
+            addCarrier(*m_spec.sensorShape, m_spec.sensors[k],
+                       m_spec.sensorLevelDbm + 3.0 * m_rng.gauss(), 0.5);
     }
 }
 

@@ -1,14 +1,10 @@
-#include "grid.h"
+#include "resample.h"
 
 #include <algorithm>
 #include <cmath>
 
-Grid bandGrid(Band band)
+namespace wsa
 {
-    if (band == Band::Ghz5)
-        return {5160e6, 5835e6, 675e6 / 903, 904, 1024, -100};
-    return {2400e6, 2490e6, 90e6 / 422, 423, 423, -110};
-}
 
 void Resampler::clear()
 {
@@ -32,7 +28,7 @@ bool Resampler::add(double lowHz, double binHz, const float* levels, int count)
     if (count <= 0 || !(binHz > 0))
         return false;
     bool hit = false;
-    const double cellLow = m_grid.startHz - m_grid.stepHz / 2;
+    const double cellLow = m_grid.lowEdgeHz();
     const double highHz = lowHz + count * binHz;
     for (int k = 0; k < count; ++k) {
         const double centre = lowHz + (k + 0.5) * binHz;
@@ -48,7 +44,7 @@ bool Resampler::add(double lowHz, double binHz, const float* levels, int count)
     const double last =
         std::min(m_grid.shown - 1.0, std::floor((highHz - m_grid.startHz) / m_grid.stepHz));
     for (int i = int(std::min(first, double(m_grid.shown))); i <= last; ++i) {
-        const double k = std::floor((m_grid.startHz + i * m_grid.stepHz - lowHz) / binHz);
+        const double k = std::floor((m_grid.binHz(i) - lowHz) / binHz);
         if (k >= 0 && k < count) {
             raise(i, levels[int(k)]);
             hit = true;
@@ -62,3 +58,45 @@ void Resampler::result(double* levels, double offsetDb) const
     for (int i = 0; i < m_grid.raw; ++i)
         levels[i] = i < m_grid.shown && m_set[i] ? m_levels[i] + offsetDb : m_grid.floorDbm;
 }
+
+bool SweepAssembler::complete()
+{
+    if (m_sweep.empty())
+        return false;
+    m_sweep.result(m_done, m_offsetDb);
+    m_doneSeconds = m_seconds;
+    return true;
+}
+
+bool SweepAssembler::feed(const CsvRow& row)
+{
+    bool done = false;
+    if (m_started && row.lowHz <= m_startHz) {
+        done = complete();
+        m_started = false;
+    }
+    if (!m_started) {
+        m_sweep.clear();
+        m_started = true;
+        m_startHz = row.lowHz;
+        m_seconds = row.seconds;
+    }
+    m_sweep.add(row.lowHz, row.binHz, row.levels.data(), int(row.levels.size()));
+    return done;
+}
+
+bool SweepAssembler::finish()
+{
+    const bool done = m_started && complete();
+    m_started = false;
+    m_sweep.clear();
+    return done;
+}
+
+double SweepAssembler::take(double* levels) const
+{
+    std::copy(m_done, m_done + m_grid.raw, levels);
+    return m_doneSeconds;
+}
+
+} // namespace wsa

@@ -1,14 +1,15 @@
 #include "sweepcsv.h"
 
-#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <ctime>
+
+namespace wsa
+{
 
 namespace
 {
-
-// Rows wider than this many bins are refused; hackrf_sweep's narrowest bins give some 2000.
-constexpr std::size_t kMaxRowBins = 65536;
 
 const char* skipSpace(const char* p)
 {
@@ -48,17 +49,6 @@ bool readInt(const char*& p, int digits, int& value)
     return true;
 }
 
-// Days from 1970-01-01 to the given civil date (proleptic Gregorian).
-long daysFromCivil(int y, int m, int d)
-{
-    y -= m <= 2;
-    const long era = (y >= 0 ? y : y - 399) / 400;
-    const long yoe = y - era * 400;
-    const long doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
-    const long doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    return era * 146097 + doe - 719468;
-}
-
 // "YYYY-MM-DD, HH:MM:SS[.ffffff]"
 bool readStamp(const char*& p, double& seconds)
 {
@@ -75,7 +65,14 @@ bool readStamp(const char*& p, double& seconds)
         for (++p; *p >= '0' && *p <= '9'; ++p, scale /= 10)
             fraction += (*p - '0') * scale;
     }
-    seconds = daysFromCivil(y, mo, d) * 86400.0 + h * 3600 + mi * 60 + s + fraction;
+    tm civil{};
+    civil.tm_year = y - 1900;
+    civil.tm_mon = mo - 1;
+    civil.tm_mday = d;
+    civil.tm_hour = h;
+    civil.tm_min = mi;
+    civil.tm_sec = s;
+    seconds = double(timegm(&civil)) + fraction;
     return true;
 }
 
@@ -97,7 +94,8 @@ bool parseCsvRow(const char* line, CsvRow& row)
     while (nextField(p)) {
         double level = 0;
         // No receiver reads a kilo-dB: such a number is damage, not a level.
-        if (!readNumber(p, level) || std::fabs(level) > 1000 || row.levels.size() == kMaxRowBins)
+        if (!readNumber(p, level) || std::fabs(level) > 1000 ||
+            row.levels.size() == std::size_t(kMaxRowBins))
             return false;
         row.levels.push_back(float(level));
     }
@@ -108,42 +106,14 @@ bool parseCsvRow(const char* line, CsvRow& row)
     return !row.levels.empty() && std::fabs(double(row.levels.size()) - expected) < 1.0;
 }
 
-bool SweepAssembler::complete()
+char* appendLevels(char* out, const int* levels, int count)
 {
-    if (m_sweep.empty())
-        return false;
-    m_sweep.result(m_done, m_offsetDb);
-    m_doneSeconds = m_seconds;
-    return true;
-}
-
-bool SweepAssembler::feed(const CsvRow& row)
-{
-    bool done = false;
-    if (m_started && row.lowHz <= m_startHz) {
-        done = complete();
-        m_started = false;
+    for (int i = 0; i < count; ++i) {
+        *out++ = ',';
+        *out++ = ' ';
+        out = std::to_chars(out, out + 11, levels[i]).ptr;
     }
-    if (!m_started) {
-        m_sweep.clear();
-        m_started = true;
-        m_startHz = row.lowHz;
-        m_seconds = row.seconds;
-    }
-    m_sweep.add(row.lowHz, row.binHz, row.levels.data(), int(row.levels.size()));
-    return done;
+    return out;
 }
 
-bool SweepAssembler::finish()
-{
-    const bool done = m_started && complete();
-    m_started = false;
-    m_sweep.clear();
-    return done;
-}
-
-double SweepAssembler::take(double* levels) const
-{
-    std::copy(m_done, m_done + m_grid.raw, levels);
-    return m_doneSeconds;
-}
+} // namespace wsa
