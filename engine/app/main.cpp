@@ -14,7 +14,7 @@
 #include <unistd.h>
 
 #include "csvrecorder.h"
-#include "engine.h"
+#include "enginecore.h"
 #include "options.h"
 #include "recordsocket.h"
 #include "registry.h"

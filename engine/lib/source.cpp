@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "engine.h"
+#include "enginecore.h"
 
 int noProbe(Engine& engine, StatusReason reason, const std::string& why, const std::string& detail)
 {

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "engine.h"
+#include "enginecore.h"
 #include "resample.h"
 #include "sweepcsv.h"
 

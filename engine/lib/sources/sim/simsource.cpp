@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-#include "engine.h"
+#include "enginecore.h"
 #include "scene.h"
 
 namespace

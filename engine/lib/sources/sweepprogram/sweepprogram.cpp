@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 #include "child.h"
-#include "engine.h"
+#include "enginecore.h"
 #include "resample.h"
 #include "sweepcsv.h"
 

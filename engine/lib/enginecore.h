@@ -1,8 +1,8 @@
 // What a source works with: the band, the clock, the observers that see every sweep, the pacing
 // stage and the sinks behind it. One Engine per acquisition; nothing in it is process-wide, so
 // several can run side by side.
-#ifndef ENGINE_ENGINE_H
-#define ENGINE_ENGINE_H
+#ifndef ENGINE_ENGINECORE_H
+#define ENGINE_ENGINECORE_H
 
 #include <string>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "engine.h"
+#include "enginecore.h"
 
 #include <algorithm>
 #include <cerrno>
