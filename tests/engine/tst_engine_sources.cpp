@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "bandplan.h"
 #include "halbrin_sa.h"
 
 namespace
@@ -18,16 +19,67 @@ namespace
 
 const QString kStandIn = WSA_SOURCE_DIR "/tests/stand-ins/hackrf_sweep";
 
-// The analyzer's bins: 423 over 2400..2490 MHz, or 904 of 1024 raw over 5160..5835 MHz.
+// A band's grid as the band plan has it; `high` is the 5 GHz band, else `id` chooses.
 struct Band {
     bool high;
-    double startMHz() const { return high ? 5160 : 2400; }
-    double stepMHz() const { return high ? 675.0 / 903 : 90.0 / 422; }
-    int shown() const { return high ? 904 : 423; }
-    int raw() const { return high ? 1024 : 423; }
-    int floor() const { return high ? -100 : -110; }
-    double mhz(int bin) const { return startMHz() + bin * stepMHz(); }
+    wsa::BandId id = high ? wsa::BandId::Ghz5 : wsa::BandId::Ghz24;
+    const wsa::Band& plan() const { return *wsa::findBand(id); }
+    double startMHz() const { return plan().grid.startHz / 1e6; }
+    double stepMHz() const { return plan().grid.stepHz / 1e6; }
+    int shown() const { return plan().grid.shown; }
+    int raw() const { return plan().grid.raw; }
+    int floor() const { return plan().grid.floorDbm; }
+    double mhz(int bin) const { return plan().grid.binHz(bin) / 1e6; }
+    QStringList args() const
+    {
+        return id == wsa::BandId::Ghz24 ? QStringList()
+                                        : QStringList{"-r " + QString::number(plan().engineNumber)};
+    }
 };
+
+const Band kBand6{false, wsa::BandId::Ghz6};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Band)
+
+namespace
+{
+
+// An engine run with no analyzer: nobody listens on its SERVERSOCK.
+struct Detached {
+    QTemporaryDir dir;
+    QProcess proc;
+    explicit Detached(const QStringList& env)
+    {
+        QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
+        for (const QString& key : e.keys())
+            if (key.startsWith("WSA_"))
+                e.remove(key);
+        for (const QString& setting : env)
+            e.insert(setting.section('=', 0, 0), setting.section('=', 1));
+        proc.setProcessEnvironment(e);
+        proc.setWorkingDirectory(dir.path());
+        QFile::link(WSA_ENGINE_BIN, dir.filePath("engine"));
+        proc.start(dir.filePath("engine"), {});
+    }
+    ~Detached() { proc.kill(), proc.waitForFinished(); }
+    // The rows recorded, in the one file expected.
+    QStringList rows() const
+    {
+        const QDir rec(dir.filePath("rec"));
+        const QStringList files = rec.entryList(QDir::Files);
+        QFile f(files.size() == 1 ? rec.filePath(files[0]) : QString());
+        if (!f.open(QIODevice::ReadOnly))
+            return {};
+        return QString(f.readAll()).split('\n', Qt::SkipEmptyParts);
+    }
+};
+
+} // namespace
+
+namespace
+{
 
 // One engine and the analyzer's end of its link. Only the given WSA_* and STANDIN_* settings
 // reach it. Every wait is bounded.
@@ -102,8 +154,10 @@ QStringList standIn(const QStringList& more = {})
 
 bool isConfigured(const stSweep& r, const Band& band)
 {
+    // The grid's first and last cell centres in whole MHz, its step in whole kHz.
+    const wsa::SourceGrid& g = band.plan().grid;
     return r.type == SA_MSG_CONFIGURED && r.num_samples == band.raw() &&
-           r.data[0] == band.startMHz() && r.data[1] == (band.high ? 5835 : 2490) &&
+           r.data[0] == std::lround(g.startHz / 1e6) && r.data[1] == std::lround(g.endHz / 1e6) &&
            r.data[2] == std::lround(band.stepMHz() * 1000);
 }
 
@@ -134,6 +188,8 @@ private slots:
     void replayRefuses();
     void recordingFailureKeepsMeasuring();
     void documentedSampleLineParses();
+    void recordOnly_data();
+    void recordOnly();
 };
 
 // The stand-in reads -70 dB everywhere but in the 1 MHz bin from signalMHz, where it alternates
@@ -141,32 +197,33 @@ private slots:
 // combines many sweeps even on a busy machine.
 void TestEngineSources::hackrfLevels_data()
 {
-    QTest::addColumn<bool>("high");
+    QTest::addColumn<Band>("band");
     QTest::addColumn<QStringList>("env");
     QTest::addColumn<int>("signalMHz");
     QTest::addColumn<int>("lowest"); // of the signal bins, after the detector
     QTest::addColumn<int>("highest");
-    QTest::newRow("2.4 GHz, peak") << false << QStringList() << 2437 << -50 << -50;
+    const Band b24{false}, b5{true};
+    QTest::newRow("2.4 GHz, peak") << b24 << QStringList() << 2437 << -50 << -50;
     // Mean power of a mix of -30 and -50 dB sweeps, minus 20: within -56..-51.
     QTest::newRow("2.4 GHz, average")
-        << false << QStringList{"WSA_DETECTOR=average"} << 2437 << -56 << -51;
+        << b24 << QStringList{"WSA_DETECTOR=average"} << 2437 << -56 << -51;
     QTest::newRow("2.4 GHz, five sweeps per write, band edge")
-        << false << QStringList{"STANDIN_BURST=5", "STANDIN_RATE=8", "STANDIN_SIGNAL_MHZ=2489"}
+        << b24 << QStringList{"STANDIN_BURST=5", "STANDIN_RATE=8", "STANDIN_SIGNAL_MHZ=2489"}
         << 2489 << -50 << -50;
-    QTest::newRow("5 GHz, peak") << true << QStringList{"STANDIN_SIGNAL_MHZ=5500"} << 5500 << -50
+    QTest::newRow("5 GHz, peak") << b5 << QStringList{"STANDIN_SIGNAL_MHZ=5500"} << 5500 << -50
                                  << -50;
+    QTest::newRow("6 GHz, peak") << kBand6 << QStringList{"STANDIN_SIGNAL_MHZ=6500"} << 6500
+                                 << -50 << -50;
 }
 
 void TestEngineSources::hackrfLevels()
 {
-    QFETCH(bool, high);
+    QFETCH(Band, band);
     QFETCH(QStringList, env);
     QFETCH(int, signalMHz);
     QFETCH(int, lowest);
     QFETCH(int, highest);
-    const Band band{high};
-    Run run(standIn(QStringList{"WSA_OUTPUT_RATE=2"} + env),
-            high ? QStringList{"-r 2"} : QStringList());
+    Run run(standIn(QStringList{"WSA_OUTPUT_RATE=2"} + env), band.args());
     QVERIFY(isConfigured(run.next(), band));
     // The first record may hold a single sweep; the later ones combine several.
     stSweep r;
@@ -235,7 +292,7 @@ void TestEngineSources::paceAndNeverQueue()
     Run run(standIn({"STANDIN_RATE=50", "WSA_OUTPUT_RATE=5"}));
     QVERIFY(isConfigured(run.next(), Band{false}));
     stSweep r;
-    QVERIFY(run.nextSweep(r, 423));
+    QVERIFY(run.nextSweep(r, Band{false}.raw()));
     QElapsedTimer clock;
     clock.start();
     int records = 0;
@@ -247,9 +304,9 @@ void TestEngineSources::paceAndNeverQueue()
     int waiting = 0;
     ioctl(run.link, FIONREAD, &waiting);
     QVERIFY2(waiting <= SA_RECORD_SIZE, qPrintable(QString::number(waiting)));
-    QVERIFY(run.nextSweep(r, 423));
+    QVERIFY(run.nextSweep(r, Band{false}.raw()));
     clock.restart();
-    QVERIFY(run.nextSweep(r, 423));
+    QVERIFY(run.nextSweep(r, Band{false}.raw()));
     QVERIFY2(clock.elapsed() <= 300, qPrintable(QString::number(clock.elapsed())));
 }
 
@@ -288,19 +345,19 @@ void TestEngineSources::noOrphanSweeper()
 
 void TestEngineSources::recordAndReplay_data()
 {
-    QTest::addColumn<bool>("high");
+    QTest::addColumn<Band>("band");
     QTest::addColumn<bool>("cut");
-    QTest::newRow("2.4 GHz") << false << false;
-    QTest::newRow("5 GHz") << true << false;
-    QTest::newRow("2.4 GHz, last row cut") << false << true;
+    QTest::newRow("2.4 GHz") << Band{false} << false;
+    QTest::newRow("5 GHz") << Band{true} << false;
+    QTest::newRow("6 GHz") << kBand6 << false;
+    QTest::newRow("2.4 GHz, last row cut") << Band{false} << true;
 }
 
 void TestEngineSources::recordAndReplay()
 {
-    QFETCH(bool, high);
+    QFETCH(Band, band);
     QFETCH(bool, cut);
-    const Band band{high};
-    const QStringList bandArgs = high ? QStringList{"-r 2"} : QStringList();
+    const QStringList bandArgs = band.args();
     QTemporaryDir tmp;
     const QString recordings = tmp.filePath("rec/dings");
     QList<QVector<int>> sent;
@@ -315,7 +372,7 @@ void TestEngineSources::recordAndReplay()
     QVERIFY(sent.size() >= 10);
     const QStringList files = QDir(recordings).entryList(QDir::Files);
     QCOMPARE(files.size(), 1);
-    QVERIFY(files[0].endsWith(high ? "-5g.csv" : "-2g4.csv"));
+    QVERIFY(files[0].endsWith(QString("-%1.csv").arg(band.plan().key)));
     QString file = QDir(recordings).filePath(files[0]);
     if (cut) {
         QFile f(file);
@@ -354,7 +411,12 @@ void TestEngineSources::replaysSavedSweeperOutput()
     QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
     e.insert("STANDIN_SWEEPS", "6");
     sweeper.setProcessEnvironment(e);
-    sweeper.start(kStandIn, {"-f", "2399:2491", "-w", "1000000"});
+    const wsa::SourceGrid& grid = Band{false}.plan().grid;
+    sweeper.start(kStandIn, {"-f",
+                             QString("%1:%2")
+                                 .arg(std::floor(grid.lowEdgeHz() / 1e6))
+                                 .arg(std::ceil(grid.highEdgeHz() / 1e6)),
+                             "-w", "1000000"});
     QVERIFY(sweeper.waitForFinished(10000));
 
     const Band band{false};
@@ -376,15 +438,18 @@ void TestEngineSources::replayRefuses_data()
 {
     QTest::addColumn<QString>("content"); // of the file; null: no file
     QTest::addColumn<QStringList>("args");
-    const QString row24 = "2024-03-01, 12:30:05.25, 2400000000, 2405000000, 1000000.00, 20, -70, "
-                          "-71, -72, -73, -74\n";
+    // Five 1 MHz bins at the bottom of the 2.4 GHz band.
+    const qint64 low = qint64(Band{false}.plan().lowHz);
+    const QString span = QString("%1, %2").arg(low).arg(low + 5000000);
+    const QString row24 = "2024-03-01, 12:30:05.25, " + span + ", 1000000.00, 20, -70, -71, -72, "
+                          "-73, -74\n";
     QTest::newRow("missing file") << QString() << QStringList();
     QTest::newRow("no usable row")
-        << "date, time, hz_low\nnonsense\n2024-03-01, 12:30:05, 2400000000, 2405000000, "
-           "1000000.00, 20, -70, -71\n"
+        << "date, time, hz_low\nnonsense\n2024-03-01, 12:30:05, " + span +
+               ", 1000000.00, 20, -70, -71\n"
         << QStringList();
     QTest::newRow("only a cut row") << row24.left(60) << QStringList();
-    QTest::newRow("other band") << row24 << QStringList{"-r 2"};
+    QTest::newRow("other band") << row24 << Band{true}.args();
 }
 
 void TestEngineSources::replayRefuses()
@@ -412,7 +477,7 @@ void TestEngineSources::recordingFailureKeepsMeasuring()
     QCOMPARE(run.next().type, char(SA_MSG_CONFIGURED));
     stSweep r;
     for (int k = 0; k < 3; ++k)
-        QVERIFY(run.nextSweep(r, 423));
+        QVERIFY(run.nextSweep(r, Band{false}.raw()));
     shutdown(run.link, SHUT_RDWR);
     const QStringList lines = run.complaints();
     QCOMPARE(lines.size(), 1);
@@ -438,10 +503,11 @@ void TestEngineSources::documentedSampleLineParses()
         f.close();
         const QStringList fields = line.split(',');
         const double lowMHz = fields[2].toDouble() / 1e6, binMHz = fields[4].toDouble() / 1e6;
-        const bool high = lowMHz > 5000;
-        const Band band{high};
-        Run run({"WSA_SOURCE=replay", "WSA_REPLAY_FILE=" + f.fileName()},
-                high ? QStringList{"-r 2"} : QStringList());
+        Band band{false};
+        for (const wsa::Band& b : wsa::allBands())
+            if (lowMHz * 1e6 >= b.lowHz && lowMHz * 1e6 < b.highHz)
+                band.id = b.id;
+        Run run({"WSA_SOURCE=replay", "WSA_REPLAY_FILE=" + f.fileName()}, band.args());
         QVERIFY(isConfigured(run.next(), band));
         stSweep r;
         QVERIFY(run.nextSweep(r, band.raw()));
@@ -455,6 +521,48 @@ void TestEngineSources::documentedSampleLineParses()
         }
         QVERIFY(matched > 0);
     }
+}
+
+// WSA_RECORD_ONLY=1 records with no analyzer at all, until the source ends or it is told to stop;
+// without a directory there is nothing to do.
+void TestEngineSources::recordOnly_data()
+{
+    QTest::addColumn<QStringList>("env");
+    QTest::addColumn<bool>("terminate"); // by SIGTERM after a second, else on its own
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<int>("minRows");
+    QTest::addColumn<int>("maxRows");
+    const QStringList fast{"WSA_RECORD_ONLY=1", "WSA_SIM_RATE=40", "WSA_OUTPUT_RATE=40"};
+    QTest::newRow("source ends") << fast + QStringList{"WSA_SIM_SWEEPS=6", "WSA_RECORD_DIR=rec"}
+                                 << false << 0 << 3 << 6;
+    QTest::newRow("stopped by SIGTERM") << fast + QStringList{"WSA_RECORD_DIR=rec"} << true << 0
+                                        << 10 << 60;
+    QTest::newRow("nowhere to record") << fast << false << 2 << 0 << 0;
+}
+
+void TestEngineSources::recordOnly()
+{
+    QFETCH(QStringList, env);
+    QFETCH(bool, terminate);
+    QFETCH(int, exitCode);
+    QFETCH(int, minRows);
+    QFETCH(int, maxRows);
+    Detached run(env);
+    QVERIFY(run.proc.waitForStarted());
+    if (terminate) {
+        QVERIFY(!run.proc.waitForFinished(1000));
+        run.proc.terminate();
+    }
+    QVERIFY(run.proc.waitForFinished(5000));
+    QCOMPARE(run.proc.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(run.proc.exitCode(), exitCode);
+    const QStringList lines = QString(run.proc.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), exitCode == 0 ? 0 : 1);
+    const QStringList rows = run.rows();
+    QVERIFY2(rows.size() >= minRows && rows.size() <= maxRows,
+             qPrintable(QString::number(rows.size())));
+    for (const QString& row : rows)
+        QCOMPARE(row.count(','), 5 + Band{false}.shown());
 }
 
 QTEST_GUILESS_MAIN(TestEngineSources)
