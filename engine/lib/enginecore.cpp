@@ -73,7 +73,7 @@ bool Engine::hasFrontEnd() const
                        [](const Sink* s) { return s->watchFd() >= 0; });
 }
 
-WaitResult Engine::poll(int sourceFd, int timeoutMs)
+WaitResult Engine::poll(int sourceFd, int otherFd, int timeoutMs)
 {
     // Members reused from call to call: a wait costs no allocation.
     std::vector<pollfd>& fds = m_fds;
@@ -89,8 +89,11 @@ WaitResult Engine::poll(int sourceFd, int timeoutMs)
     const std::size_t sinkFds = fds.size();
     if (m_stopFd >= 0)
         fds.push_back({m_stopFd, POLLIN, 0});
+    const std::size_t sourceFds = fds.size();
     if (sourceFd >= 0)
         fds.push_back({sourceFd, POLLIN, 0});
+    if (otherFd >= 0)
+        fds.push_back({otherFd, POLLIN, 0});
     const int ready = ::poll(fds.data(), fds.size(), timeoutMs);
     if (ready < 0)
         return errno == EINTR ? WaitResult::Deadline : WaitResult::Failed;
@@ -100,24 +103,25 @@ WaitResult Engine::poll(int sourceFd, int timeoutMs)
     }
     if (m_stopFd >= 0 && fds[sinkFds].revents)
         return WaitResult::Closed;
-    if (sourceFd >= 0 && fds.back().revents)
-        return WaitResult::SourceReady;
+    for (std::size_t i = sourceFds; i < fds.size(); ++i)
+        if (fds[i].revents)
+            return WaitResult::SourceReady;
     return WaitResult::Deadline;
 }
 
 WaitResult Engine::waitForReader()
 {
     while (!std::all_of(m_sinks.begin(), m_sinks.end(), [](const Sink* s) { return s->ready(); })) {
-        const WaitResult result = poll(-1, kReaderRecheckMs);
+        const WaitResult result = poll(-1, -1, kReaderRecheckMs);
         if (result != WaitResult::Deadline)
             return result;
     }
     return WaitResult::Deadline;
 }
 
-WaitResult Engine::waitFor(int sourceFd, long long deadlineNs)
+WaitResult Engine::waitFor(int sourceFd, long long deadlineNs, int otherFd)
 {
-    const bool endless = sourceFd < 0 && deadlineNs < 0 && !hasFrontEnd();
+    const bool endless = sourceFd < 0 && otherFd < 0 && deadlineNs < 0 && !hasFrontEnd();
     for (;;) {
         const Pacer::Step step = m_pacer.service(m_sinks);
         if (step.result != SinkResult::Ok)
@@ -133,7 +137,7 @@ WaitResult Engine::waitFor(int sourceFd, long long deadlineNs)
             return WaitResult::Closed;
         const long long waitNs = wakeNs < 0 ? -1 : std::max(0LL, wakeNs - now);
         const int timeoutMs = waitNs < 0 ? -1 : int((waitNs + 999999) / 1000000);
-        const WaitResult result = poll(sourceFd, timeoutMs);
+        const WaitResult result = poll(sourceFd, otherFd, timeoutMs);
         if (result != WaitResult::Deadline)
             return result;
     }

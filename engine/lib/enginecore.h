@@ -55,17 +55,17 @@ public:
     void offer(const double* levels, double timeSeconds = -1);
 
     // Delivers what is pending whenever a slot is due, until the clock reaches deadlineNs
-    // (< 0: no deadline), sourceFd (>= 0) is readable, or the front-end goes. Without a
-    // front-end to wait for, a wait with neither deadline nor source ends (Closed) once
-    // everything pending is delivered.
-    WaitResult waitFor(int sourceFd, long long deadlineNs);
+    // (< 0: no deadline), sourceFd or otherFd (>= 0) is readable, or the front-end goes.
+    // Without a front-end to wait for, a wait with neither deadline nor source ends (Closed)
+    // once everything pending is delivered.
+    WaitResult waitFor(int sourceFd, long long deadlineNs, int otherFd = -1);
     // Waits until every sink can take a record (a reader has taken everything so far).
     WaitResult waitForReader();
 
 private:
     bool hasFrontEnd() const;
     // Polls the sinks' and the source's descriptors; Deadline on a time-out.
-    WaitResult poll(int sourceFd, int timeoutMs);
+    WaitResult poll(int sourceFd, int otherFd, int timeoutMs);
 
     const wsa::Band& m_band;
     const Clock& m_clock;

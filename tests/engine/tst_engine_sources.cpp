@@ -136,11 +136,14 @@ struct Run {
         r = next();
         return r.type == SA_MSG_SWEEP && r.num_samples == samples;
     }
-    // Lines the engine itself wrote to stderr, once it has ended.
-    QStringList complaints()
+    // Lines the engine itself wrote to stderr, once it has ended; every line in `all`.
+    QStringList complaints(QStringList* all = nullptr)
     {
         proc.waitForFinished(5000);
-        const QStringList lines = QString(proc.readAllStandardError()).split('\n');
+        const QStringList lines =
+            QString(proc.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
+        if (all)
+            *all = lines;
         return lines.filter(QRegularExpression("^wsa_raw: "));
     }
 };
@@ -250,39 +253,57 @@ void TestEngineSources::hackrfFaults_data()
 {
     QTest::addColumn<QStringList>("env");
     QTest::addColumn<QString>("records"); // C configured, S sweep, D disconnect, N no probe
+    QTest::addColumn<QString>("reason");  // in the one line on stderr
     QTest::newRow("program missing")
-        << QStringList{"WSA_SOURCE=hackrf", "WSA_HACKRF_SWEEP=/nonexistent/hackrf_sweep"} << "N";
-    QTest::newRow("device fails to open") << standIn({"STANDIN_FAIL=1"}) << "N";
-    QTest::newRow("ends before its first row") << standIn({"STANDIN_SWEEPS=0"}) << "N";
+        << QStringList{"WSA_SOURCE=hackrf", "WSA_HACKRF_SWEEP=/nonexistent/hackrf_sweep"} << "N"
+        << "No such file";
+    // Three attempts, each ending in the program's usage text: only its failure, once.
+    QTest::newRow("device fails to open")
+        << standIn({"STANDIN_FAIL=1"}) << "N" << "ended before measuring: exit status 1 "
+                                                "(hackrf_open() failed: HACKRF_ERROR_NOT_FOUND";
+    QTest::newRow("ends before its first row") << standIn({"STANDIN_SWEEPS=0"}) << "N" << "ended";
     // Still held by the engine a band change just killed.
     QTest::newRow("device busy at the first attempt")
-        << standIn({"STANDIN_BUSY_ONCE=busy", "STANDIN_SWEEPS=40"}) << "CSSSSD";
+        << standIn({"STANDIN_BUSY_ONCE=busy", "STANDIN_SWEEPS=40"}) << "CSSSSD" << "lost";
     QTest::newRow("lost mid-run, last line cut")
-        << standIn({"STANDIN_SWEEPS=40", "STANDIN_RATE=40"}) << "CSSSSD";
-    QTest::newRow("unknown source") << QStringList{"WSA_SOURCE=radio"} << "N";
+        << standIn({"STANDIN_SWEEPS=40", "STANDIN_RATE=40"}) << "CSSSSD" << "lost";
+    // The program still runs but delivers nothing usable: lost after two seconds.
+    QTest::newRow("hangs after its first rows")
+        << standIn({"STANDIN_SWEEPS=40", "STANDIN_THEN=hang"}) << "CSSSSD"
+        << "gave no valid row for 2.0 s";
+    QTest::newRow("garbage after its first rows")
+        << standIn({"STANDIN_SWEEPS=40", "STANDIN_THEN=garbage"}) << "CSSSSD"
+        << "gave no valid row for 2.0 s";
+    QTest::newRow("unknown source") << QStringList{"WSA_SOURCE=radio"} << "N"
+                                    << "unknown WSA_SOURCE=radio: use sim, hackrf or replay";
 }
 
 void TestEngineSources::hackrfFaults()
 {
     QFETCH(QStringList, env);
     QFETCH(QString, records);
+    QFETCH(QString, reason);
     Run run(env);
     const QHash<QChar, int> types{{'C', SA_MSG_CONFIGURED},
                                   {'S', SA_MSG_SWEEP},
                                   {'D', SA_MSG_DISCONNECT},
                                   {'N', SA_MSG_NO_DEVICE}};
     QString seen;
-    for (stSweep r = run.next(); r.type > 0; r = run.next(1000)) {
+    // Longer than the engine waits for a silent program.
+    for (stSweep r = run.next(); r.type > 0; r = run.next(4000)) {
         const QChar kind = types.key(r.type, '?');
         // A second of sweeps makes about 8 records; the test needs only a few.
         if (!(kind == 'S' && seen.endsWith("SSSS")))
             seen += kind;
     }
     QCOMPARE(seen, records);
-    // The engine ends after a fault record, saying why in one line.
-    const QStringList lines = run.complaints();
+    // The engine ends after a fault record, saying why in one line, and nothing else is said.
+    QStringList all;
+    const QStringList lines = run.complaints(&all);
     QCOMPARE(run.proc.state(), QProcess::NotRunning);
-    QCOMPARE(lines.size(), records.endsWith('S') ? 0 : 1);
+    QCOMPARE(lines.size(), 1);
+    QCOMPARE(all, lines);
+    QVERIFY2(lines[0].contains(reason), qPrintable(lines[0]));
 }
 
 // At most WSA_OUTPUT_RATE records a second however fast the sweeps come; while the analyzer

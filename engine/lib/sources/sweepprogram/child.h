@@ -14,10 +14,16 @@ public:
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
-    // Starts argv[0] (looked up on PATH) with stdout into a non-blocking pipe. Returns 0, or
-    // the errno of a failed start.
+    // Starts argv[0] (looked up on PATH) with stdout and stderr into non-blocking pipes.
+    // Returns 0, or the errno of a failed start.
     int start(const std::vector<std::string>& argv);
     int fd() const { return m_fd; }
+    // Its stderr, until that ends (then -1).
+    int errFd() const { return m_errFd; }
+    // Reads what it wrote to stderr so far; keeps the last few KiB. Closes errFd at its end.
+    void drainErr();
+    // The last line of its stderr that reports a failure, else its last non-empty one.
+    std::string lastErrLine() const;
     // Ends the program (politely first, so it can release the device) and collects it.
     // Returns its wait status, or -1.
     int stop();
@@ -25,6 +31,8 @@ public:
 private:
     pid_t m_pid = -1;
     int m_fd = -1;
+    int m_errFd = -1;
+    std::string m_errTail;
 };
 
 // "exit status 1", "signal 9"

@@ -1,5 +1,6 @@
 #include "sweepprogram.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -21,6 +22,11 @@ constexpr long long kFirstRowNs = 10 * 1000000000LL;
 constexpr int kStartAttempts = 3;
 constexpr int kRetryPauseMs = 500;
 constexpr std::size_t kBufferBytes = 256 * 1024;
+// Once measuring, a program that gives no valid row for this long (or five sweep periods, if
+// longer, up to the cap) has lost its device, whether it says nothing or only garbage.
+constexpr long long kMinSilenceNs = 2 * 1000000000LL;
+constexpr long long kMaxSilenceNs = 60 * 1000000000LL;
+constexpr int kSilencePeriods = 5;
 
 class SweepProgramSource : public Source
 {
@@ -36,6 +42,9 @@ private:
     int cannotRun(Engine& engine, int error);
     // Takes the whole lines in the buffer; false when a sink failed or went.
     bool takeLines(Engine& engine, SinkResult& result);
+    // The program stopped delivering: says why once and reports the device lost.
+    int lost(Engine& engine, const std::string& why);
+    long long silenceLimitNs() const;
 
     SweepCommand m_command;
     wsa::SweepAssembler m_sweeps;
@@ -44,7 +53,26 @@ private:
     std::vector<char> m_buffer;
     std::size_t m_used = 0;
     bool m_configured = false;
+    long long m_lastRowNs = 0;
+    long long m_lastSweepNs = 0;
+    long long m_sweepPeriodNs = 0; // between the last two sweeps completed
+    Child m_child;
 };
+
+long long SweepProgramSource::silenceLimitNs() const
+{
+    return std::min(kMaxSilenceNs, std::max(kMinSilenceNs, kSilencePeriods * m_sweepPeriodNs));
+}
+
+int SweepProgramSource::lost(Engine& engine, const std::string& why)
+{
+    const std::string& program = m_command.argv[0];
+    const std::string said = m_child.lastErrLine();
+    const std::string text = program + " " + why + (said.empty() ? "" : " (" + said + ")");
+    std::fprintf(stderr, "wsa_raw: %s: the radio was lost\n", text.c_str());
+    engine.reason(StatusReason::DeviceLost, text);
+    return engine.fault(Fault::Disconnect) == SinkResult::Ok ? 0 : 1;
+}
 
 int SweepProgramSource::cannotRun(Engine& engine, int error)
 {
@@ -65,6 +93,7 @@ bool SweepProgramSource::takeLines(Engine& engine, SinkResult& result)
     while (char* end = static_cast<char*>(std::memchr(line, '\n', m_used - (line - buffer)))) {
         *end = '\0';
         if (wsa::parseCsvRow(line, m_row)) {
+            m_lastRowNs = engine.nowNs();
             if (!m_configured) {
                 result = engine.announce(engine.band().gridAnnouncement());
                 if (result != SinkResult::Ok)
@@ -72,6 +101,9 @@ bool SweepProgramSource::takeLines(Engine& engine, SinkResult& result)
             }
             m_configured = true;
             if (m_sweeps.feed(m_row)) {
+                if (m_lastSweepNs > 0)
+                    m_sweepPeriodNs = m_lastRowNs - m_lastSweepNs;
+                m_lastSweepNs = m_lastRowNs;
                 const double seconds = m_sweeps.take(m_levels);
                 engine.offer(m_levels, seconds);
             }
@@ -89,19 +121,27 @@ bool SweepProgramSource::takeLines(Engine& engine, SinkResult& result)
 int SweepProgramSource::run(Engine& engine)
 {
     const std::string& program = m_command.argv[0];
-    Child child;
+    Child& child = m_child;
     if (const int error = child.start(m_command.argv))
         return cannotRun(engine, error);
 
     int attempts = 0;
     const long long firstRowDeadline = engine.nowNs() + kFirstRowNs;
     for (;;) {
-        const WaitResult waited =
-            engine.waitFor(child.fd(), m_configured ? -1 : firstRowDeadline);
+        const long long deadline =
+            m_configured ? m_lastRowNs + silenceLimitNs() : firstRowDeadline;
+        const WaitResult waited = engine.waitFor(child.fd(), deadline, child.errFd());
         if (waited == WaitResult::Closed)
             return 0;
         if (waited == WaitResult::Failed)
             return 1;
+        child.drainErr();
+        if (waited == WaitResult::Deadline && m_configured) {
+            child.stop();
+            char seconds[32];
+            std::snprintf(seconds, sizeof seconds, "%.1f", silenceLimitNs() / 1e9);
+            return lost(engine, std::string("gave no valid row for ") + seconds + " s");
+        }
         if (waited == WaitResult::Deadline) {
             child.stop();
             return noProbe(engine, StatusReason::NoDevice, program + " gave no sweep within 10 s");
@@ -118,13 +158,11 @@ int SweepProgramSource::run(Engine& engine)
                 m_used = 0;
                 continue;
             }
-            if (!m_configured)
-                return noProbe(engine, StatusReason::NoDevice, program + " ended before measuring",
-                               status);
-            std::fprintf(stderr, "wsa_raw: %s ended (%s): the radio was lost\n", program.c_str(),
-                         status.c_str());
-            engine.reason(StatusReason::DeviceLost, program + " ended (" + status + ")");
-            return engine.fault(Fault::Disconnect) == SinkResult::Ok ? 0 : 1;
+            if (m_configured)
+                return lost(engine, "ended (" + status + ")");
+            const std::string said = child.lastErrLine();
+            return noProbe(engine, StatusReason::NoDevice, program + " ended before measuring",
+                           status + (said.empty() ? "" : " (" + said + ")"));
         }
         m_used += std::size_t(n);
         m_buffer[m_used] = '\0';
