@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
 
 #include "enginecore.h"
 #include "resample.h"
@@ -16,35 +19,80 @@ namespace
 // A pause in the file (a stopped and restarted capture) is played as at most this long.
 constexpr double kMaxGapSeconds = 5.0;
 
+// The lines of a recording, each at most kMaxLine bytes: a longer one is skipped as it is read,
+// never held, so a file without newlines costs no more memory than a short one.
 class LineFile
 {
 public:
-    explicit LineFile(const char* path) : m_file(std::fopen(path, "re")) {}
+    LineFile() : m_buffer(kMaxLine + 1) {}
     ~LineFile()
     {
-        if (m_file)
-            std::fclose(m_file);
-        std::free(m_line);
+        if (m_fd >= 0)
+            close(m_fd);
     }
     LineFile(const LineFile&) = delete;
     LineFile& operator=(const LineFile&) = delete;
 
-    bool isOpen() const { return m_file != nullptr; }
-    void rewind() { std::rewind(m_file); }
+    // Opens a regular file: 0, or the errno (EINVAL: not a regular file). Opening does not
+    // block, as it would on a FIFO without a writer.
+    int open(const char* path)
+    {
+        m_fd = ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        if (m_fd < 0)
+            return errno;
+        struct stat st;
+        if (fstat(m_fd, &st) != 0 || !S_ISREG(st.st_mode))
+            return EINVAL;
+        m_size = st.st_size;
+        fcntl(m_fd, F_SETFL, fcntl(m_fd, F_GETFL) & ~O_NONBLOCK);
+        return 0;
+    }
+    long long size() const { return m_size; }
+    void rewind()
+    {
+        lseek(m_fd, 0, SEEK_SET);
+        m_start = m_end = 0;
+        m_skipping = false;
+    }
     // The next whole line; a last line without its newline was cut short and is skipped.
     const char* next()
     {
-        const ssize_t n = getline(&m_line, &m_size, m_file);
-        if (n <= 0 || m_line[n - 1] != '\n')
-            return nullptr;
-        m_line[n - 1] = '\0';
-        return m_line;
+        for (;;) {
+            char* begin = m_buffer.data() + m_start;
+            char* newline = static_cast<char*>(std::memchr(begin, '\n', m_end - m_start));
+            if (newline) {
+                *newline = '\0';
+                m_start = std::size_t(newline - m_buffer.data()) + 1;
+                if (!m_skipping)
+                    return begin;
+                m_skipping = false;
+                continue;
+            }
+            // Keep the unfinished line at the front; one longer than kMaxLine is dropped.
+            std::memmove(m_buffer.data(), begin, m_end - m_start);
+            m_end -= m_start;
+            m_start = 0;
+            if (m_end == kMaxLine) {
+                m_skipping = true;
+                m_end = 0;
+            }
+            const ssize_t n = read(m_fd, m_buffer.data() + m_end, kMaxLine - m_end);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0)
+                return nullptr;
+            m_end += std::size_t(n);
+        }
     }
 
 private:
-    std::FILE* m_file;
-    char* m_line = nullptr;
-    std::size_t m_size = 0;
+    static constexpr std::size_t kMaxLine = 1024 * 1024;
+    int m_fd = -1;
+    long long m_size = 0;
+    std::vector<char> m_buffer;
+    std::size_t m_start = 0;
+    std::size_t m_end = 0;
+    bool m_skipping = false; // inside a line too long to keep
 };
 
 struct ReplaySettings {
@@ -91,10 +139,13 @@ int ReplaySource::run(Engine& engine)
     if (path.empty())
         return noProbe(engine, StatusReason::FileUnusable, "nothing to replay",
                        "WSA_REPLAY_FILE is not set");
-    LineFile file(path.c_str());
-    if (!file.isOpen())
-        return noProbe(engine, StatusReason::FileUnusable, "cannot open " + path,
-                       std::strerror(errno));
+    LineFile file;
+    if (const int error = file.open(path.c_str()))
+        return noProbe(engine, StatusReason::FileUnusable,
+                       error == EINVAL ? path + " is not a regular file" : "cannot open " + path,
+                       error == EINVAL ? std::string() : std::strerror(error));
+    if (file.size() == 0)
+        return noProbe(engine, StatusReason::FileUnusable, path + " is empty");
     if (!hasUsableRow(file, engine.grid()))
         return noProbe(engine, StatusReason::NotInBand, path + " has no sweep in this band");
     file.rewind();
