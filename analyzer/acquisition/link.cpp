@@ -66,26 +66,23 @@ void reportDamage(const wsa::RecordDamage& damage)
     }
 }
 
-// Sample count of the sweep in currentData after the band adjustment, or -1 when it cannot be
+// Sample count of the sweep in currentData after the band's reduction, or -1 when it cannot be
 // used to index the record.
-int adjustedCount()
+int adjustedCount(const wsa::HandheldMapping& mapping)
 {
     const int raw = currentData.num_samples;
     if (raw < 0 || raw > SA_MAX_SAMPLES)
         return -1;
-    if (s_band == 0)
-        return raw;
-    // 5 GHz: pairs are reduced and the last 60 pairs lie outside the view. Fewer than 120 raw
-    // samples would leave a negative count: such a sweep carries nothing to show, and storing it
-    // would give the recording (and the topographic column count) a negative size.
-    const int reduced = raw / 2 - 60;
-    return reduced >= 0 ? reduced : -1;
+    // A 5 GHz sweep too short for its reduction carries nothing to show, and storing it would
+    // give the recording (and the topographic column count) a negative size.
+    return mapping.reducedCount(raw);
 }
 
 // Each handler returns false when the analyzer was deleted while its box was open.
 bool takeSweep(CWsa& wsa)
 {
-    const int n = adjustedCount();
+    const wsa::HandheldMapping& mapping = *wsaSelectedBand().handheld;
+    const int n = adjustedCount(mapping);
     if (n < 0) {
         std::printf("main received sweep with bad sample count %d\n", currentData.num_samples);
         currentData.num_samples = 0;
@@ -93,7 +90,7 @@ bool takeSweep(CWsa& wsa)
     }
     bReceivedData = true;
     ++nDataCount;
-    if (s_band != 0) {
+    if (mapping.pairReduction) {
         currentData.num_samples = n;
         for (int i = 0; i < n; ++i)
             currentData.data[i] = std::max(currentData.data[2 * i], currentData.data[2 * i + 1]);
@@ -118,6 +115,18 @@ bool takeSweep(CWsa& wsa)
     return true;
 }
 
+QString configuredText(wsa::BandId band)
+{
+    switch (band) {
+    case wsa::BandId::Ghz5:
+        return CWsa::tr("5G Band Configure Succeed!");
+    case wsa::BandId::Ghz6: // not offered by the handheld
+    case wsa::BandId::Ghz24:
+        break;
+    }
+    return CWsa::tr("2.4G Band Configure Succeed!");
+}
+
 bool announceConfigured(CWsa& wsa)
 {
     std::puts("\nmain received: CONFIGURED\n");
@@ -125,8 +134,7 @@ bool announceConfigured(CWsa& wsa)
                 currentData.data[2], currentData.num_samples);
     // The count describes the engine's set-up, not samples of this buffer.
     currentData.num_samples = 0;
-    const QString text = s_band != 0 ? CWsa::tr("5G Band Configure Succeed!")
-                                     : CWsa::tr("2.4G Band Configure Succeed!");
+    const QString text = configuredText(wsaSelectedBand().id);
     if (!wsa.showMsgBox(QObject::tr("Information"), text))
         return false;
     if (pBtSignatures)

@@ -435,7 +435,6 @@ private slots:
             f.w->m_clickxPos = 240;
             f.w->m_SignaturePoint = {200, 150};
             bReferencePainting = reference;
-            frameCache().invalidate();
             captureStdout([&] { images[reference] = renderAnalyzer(f.w, QImage::Format(format)); });
             // The fast run must have taken the cached paths, in the target's own format.
             if (!reference) {
