@@ -251,12 +251,14 @@ private slots:
     {
         qputenv("WSA_MAC_ADDRESS", kMac);
         qputenv("WSA_SERIAL_NUMBER", "S<1>&\"2'");
-        QVERIFY(writeFile(vendorFile(), "X Common <b>&amp;\"v\" 'x'\n"));
+        // Bytes that are not UTF-8 (nor text at all) pass unchanged.
+        QVERIFY(writeFile(vendorFile(), "X Common <b>&amp;\"v\" 'x' \xff\xc3\x28\x01\n"));
         save("escaped");
         QFile page(dir("escaped.html"));
         QVERIFY(page.open(QIODevice::ReadOnly));
         QCOMPARE(page.readAll(),
-                 expectedPage("escaped", "Common &lt;b&gt;&amp;amp;&quot;v&quot; &#39;x&#39;\n",
+                 expectedPage("escaped",
+                              "Common &lt;b&gt;&amp;amp;&quot;v&quot; &#39;x&#39; \xff\xc3\x28\x01\n",
                               kMac, "S&lt;1&gt;&amp;&quot;2&#39;"));
     }
 
