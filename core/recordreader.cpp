@@ -81,13 +81,43 @@ void RecordReader::skipTo(int from)
     m_fill -= k;
 }
 
-void RecordReader::report(RecordDamage::Kind kind, int type, int count)
+void RecordReader::report(RecordDamage::Kind kind, int type, int count, int level)
 {
     if (m_resynchronising)
         return;
     m_resynchronising = true;
     if (m_onDamage)
-        m_onDamage(RecordDamage{kind, type, count});
+        m_onDamage(RecordDamage{kind, type, count, level});
+}
+
+bool RecordReader::levelsPlausible(int type, int count)
+{
+    if (type != SA_MSG_SWEEP)
+        return true;
+    int bad = 0;
+    int level = 0;
+    for (; bad < count; ++bad) {
+        std::memcpy(&level, m_pending + kHeaderBytes + 4 * bad, sizeof level);
+        if (level < kLowestLevelDbm || level > kHighestLevelDbm)
+            break;
+    }
+    if (bad == count)
+        return true;
+    // The next record's type byte makes the level holding it impossible, whatever the offset of
+    // the cut; with padding that is not zero, the count behind it does.
+    const int at = kHeaderBytes + 4 * bad;
+    for (int k = std::max(kHeaderBytes, at - 4); k < at + 4; ++k) {
+        if (plausibleStart(m_pending + k, SA_RECORD_SIZE - k)) {
+            report(RecordDamage::CutSamples, type, count);
+            skipTo(k);
+            return false;
+        }
+    }
+    // Bytes that only looked like a record, or a record whose levels were damaged: either way
+    // the next record may start anywhere behind this header.
+    report(RecordDamage::BadLevel, type, count, level);
+    skipTo(kHeaderBytes);
+    return false;
 }
 
 void RecordReader::takePending()
@@ -109,6 +139,8 @@ void RecordReader::takePending()
             return;
         }
     }
+    if (!levelsPlausible(type, count))
+        return;
     m_resynchronising = false;
     // A record cut short is followed at once by the next one, which then begins in the part of
     // this record its header does not use (the engine leaves that part zero). It ends this

@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "halbrin_sa.h"
+#include "sweepmodel.h"
 
 namespace wsa
 {
@@ -17,17 +18,23 @@ struct RecordDamage {
     enum Kind {
         UnknownType, // a whole record whose type byte is not a record type
         BadCount,    // a known type with a sample count outside 0 .. SA_MAX_SAMPLES
-        CutShort     // a record start inside the header of the record before
+        CutShort,    // a record start inside the header of the record before
+        CutSamples,  // a record start where a sweep's level should be: the sweep was cut
+        BadLevel     // a sweep with a level outside what a receiver reports
     };
     Kind kind;
     int type;  // the record's type byte, sign-extended
     int count; // its sample count
+    int level; // BadLevel: the first level out of range
 };
 
 // Framing rule: a record starts with a known type and a count in 0 .. SA_MAX_SAMPLES. A whole
 // record that does not is damage, and bytes are dropped up to the next such start; so are the
 // bytes before a start that lies inside a header. A record start found in the part of a record
-// that its header leaves unused (a record cut short) ends that record there.
+// that its header leaves unused (a record cut short) ends that record there. A sweep with a
+// level outside kLowestLevelDbm .. kHighestLevelDbm is never handed on: when a record start lies
+// where that level is, the sweep was cut there and the bytes from that start on are kept as the
+// next record; otherwise bytes are dropped up to the next record start behind its header.
 class RecordReader
 {
 public:
@@ -60,7 +67,10 @@ public:
 private:
     void takePending();
     void skipTo(int from);
-    void report(RecordDamage::Kind kind, int type, int count);
+    void report(RecordDamage::Kind kind, int type, int count, int level = 0);
+    // False when the pending sweep of `count` levels carries one out of range; it has then been
+    // dealt with.
+    bool levelsPlausible(int type, int count);
 
     RecordHandler m_onRecord;
     DamageHandler m_onDamage;

@@ -61,7 +61,11 @@ void reportDamage(const wsa::RecordDamage& damage)
                         damage.count);
         break;
     case wsa::RecordDamage::CutShort:
+    case wsa::RecordDamage::CutSamples:
         std::puts("main received a record cut short");
+        break;
+    case wsa::RecordDamage::BadLevel:
+        std::printf("main received sweep with level %d out of range\n", damage.level);
         break;
     }
 }

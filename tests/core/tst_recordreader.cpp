@@ -29,15 +29,20 @@ QByteArray sweep(int level, int count = 423)
 struct Collector {
     QList<int> levels; // data[1] of each sweep, the type's negative for other records
     QList<QByteArray> records;
+    int impossibleLevels = 0; // levels handed on that no receiver reports
     QStringList damage;
     wsa::RecordReader reader{[this](const stSweep& r) {
                                  levels << (r.type == SA_MSG_SWEEP ? r.data[1] : -r.type);
+                                 for (int i = 0; r.type == SA_MSG_SWEEP && i < r.num_samples; ++i)
+                                     impossibleLevels += r.data[i] < wsa::kLowestLevelDbm ||
+                                                         r.data[i] > wsa::kHighestLevelDbm;
                                  records << QByteArray(reinterpret_cast<const char*>(&r),
                                                        SA_RECORD_SIZE);
                              },
                              [this](const wsa::RecordDamage& d) {
                                  static const char* kinds[] = {"unknown type", "bad count",
-                                                               "cut short"};
+                                                               "cut short", "cut samples",
+                                                               "bad level"};
                                  damage << QString("%1 %2 %3").arg(kinds[d.kind]).arg(d.type).arg(
                                                d.count);
                              }};
@@ -124,6 +129,60 @@ private slots:
         QCOMPARE(c.levels, QList<int>{-40} + extra + QList<int>({-41, -42, -43}));
         QCOMPARE(c.damage, report.isEmpty() ? QStringList() : QStringList(report));
         QVERIFY(!c.reader.resynchronising());
+    }
+
+    // A sweep cut inside its levels is followed at once by the next record, whose header lands
+    // where levels should be: the cut sweep is never handed on, whatever the offset of the cut,
+    // and the next record is. A cut past the levels (into the unused part) keeps the sweep.
+    void sweepCutInsideItsLevels_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("cut");
+        QTest::addColumn<bool>("paddedWithOnes"); // the next record's padding bytes not zero
+        for (const int count : {423, int(SA_MAX_SAMPLES)})
+            for (const int cut : {8, 9, 10, 11, 12, 100, 501, 998, 1003, 1699, 1700, 2052, 4000})
+                for (const bool ones : {false, true})
+                    QTest::addRow("%d levels, cut at %d%s", count, cut, ones ? ", padding" : "")
+                        << count << cut << ones;
+    }
+    void sweepCutInsideItsLevels()
+    {
+        QFETCH(int, count);
+        QFETCH(int, cut);
+        QFETCH(bool, paddedWithOnes);
+        Collector c;
+        QByteArray next = sweep(-41, count);
+        if (paddedWithOnes)
+            next[1] = next[2] = next[3] = char(0xff);
+        c.feed(sweep(-40, count) + sweep(-70, count).left(cut) + next + sweep(-42, count),
+               {SA_RECORD_SIZE, 3, 700});
+        const bool kept = cut >= 8 + 4 * count;
+        QCOMPARE(c.levels, QList<int>{-40} + (kept ? QList<int>{-70} : QList<int>{}) +
+                               QList<int>({-41, -42}));
+        QCOMPARE(c.damage, kept ? QStringList() : QStringList("cut samples 101 " +
+                                                              QString::number(count)));
+        QCOMPARE(c.impossibleLevels, 0);
+    }
+
+    // A whole sweep with a level no receiver reports is dropped, and only it.
+    void impossibleLevel_data()
+    {
+        QTest::addColumn<int>("level");
+        QTest::newRow("above") << wsa::kHighestLevelDbm + 1;
+        QTest::newRow("below") << wsa::kLowestLevelDbm - 1;
+        QTest::newRow("INT_MIN") << int(0x80000000);
+    }
+    void impossibleLevel()
+    {
+        QFETCH(int, level);
+        Collector c;
+        QByteArray bad = sweep(-70);
+        std::memcpy(bad.data() + 8 + 4 * 200, &level, sizeof level);
+        QByteArray edge = sweep(wsa::kLowestLevelDbm);
+        std::memcpy(edge.data() + 8 + 4 * 7, "\x32\0\0\0", 4); // kHighestLevelDbm
+        c.feed(sweep(-40) + bad + edge + sweep(-42), {5000, 1});
+        QCOMPARE(c.levels, QList<int>({-40, wsa::kLowestLevelDbm, -42}));
+        QCOMPARE(c.damage, QStringList(QString("bad level 101 423")));
     }
 
     // Random garbage of random length between sweeps, in random pieces: every sweep arrives once,
