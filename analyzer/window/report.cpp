@@ -1,6 +1,7 @@
 // The test result report: F1 saves the screen as an HTML page with a bitmap beside it.
 #include "report.h"
 
+#include <QBuffer>
 #include <QLocale>
 #include <QPixmap>
 #include <QPointer>
@@ -11,12 +12,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
+#include <unistd.h>
 
 #include "ckeypadfactory.h"
 #include "cwidgetstyle.h"
 #include "engine.h"
 #include "plate2promserv.h"
+#include "reportfiles.h"
 #include "wsa_p.h"
 
 namespace
@@ -76,6 +78,30 @@ void reportNotSaved(CWsa& wsa, const QString& path, const QString& reason)
 {
     wsa.showMsgBox(QObject::tr("Error"),
                    CWsa::tr("The test result could not be saved.\n%1\n%2").arg(path, reason));
+}
+
+// Nothing of the report could be written at `path` (bytes as the file system has them).
+void notSaved(CWsa& wsa, const QByteArray& path, int error)
+{
+    std::printf("crate file %s failed\n", path.constData());
+    reportNotSaved(wsa, QString::fromLocal8Bit(path), QString::fromLocal8Bit(std::strerror(error)));
+}
+
+// The picture beside the page, in `dirFd` (closed here); the page stands without it.
+void savePicture(const QPixmap& pixmap, int dirFd, const QByteArray& path)
+{
+    FILE* out = dirFd >= 0 ? wsaCreateOwnFile(dirFd, "wsa.bmp") : nullptr;
+    if (dirFd >= 0)
+        close(dirFd);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    const bool ok = out && buffer.open(QIODevice::WriteOnly) && pixmap.save(&buffer, "BMP") &&
+                    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), out) ==
+                        size_t(bytes.size());
+    if (out)
+        std::fclose(out);
+    if (!ok)
+        std::printf("crate file %s failed\n", path.constData());
 }
 
 void formatMacText(const char* mac, char* out, size_t outSize)
@@ -158,26 +184,33 @@ void saveUnder(CWsa& wsa, const QString& entry, const QPixmap& pixmap)
         std::printf("Test result name shortened to %d characters\n", room);
     }
 
-    const QString fileName = QString::fromLatin1(newtext, index);
-    const QString resultDir = QString::fromLocal8Bit(dir);
-    const QString resultPath = resultDir + QLatin1Char('/') + fileName + QLatin1String(".html");
-    const QString bmpPath = resultDir + QLatin1Char('/') + fileName + QLatin1String("_files");
+    // The directory's bytes as given: a name that is not text in the locale still names it.
+    const QByteArray base = QByteArray(dir) + '/';
+    const QByteArray pageName = QByteArray(newtext, index) + ".html";
+    const QByteArray pictureDir = QByteArray(newtext, index) + "_files";
 
-    // A failure shows when the page or the picture is written.
-    std::error_code ignored;
-    std::filesystem::create_directories(bmpPath.toLocal8Bit().toStdString(), ignored);
-
-    const QByteArray resultPath8 = resultPath.toLocal8Bit();
-    FILE* pfHtml = std::fopen(resultPath8.constData(), "w+");
-    if (!pfHtml) {
+    const int dirFd = wsaOpenResultDir(dir);
+    if (dirFd < 0)
+        return notSaved(wsa, base + pageName, errno);
+    // A picture directory that cannot be made costs the picture; one planted under our name
+    // costs the save.
+    const int pictureFd = wsaOpenOwnDir(dirFd, pictureDir.constData());
+    if (pictureFd < 0 && (errno == ENOTDIR || errno == EPERM)) {
         const int error = errno;
-        std::printf("crate file %s failed\n", resultPath8.constData());
-        reportNotSaved(wsa, resultPath, QString::fromLocal8Bit(std::strerror(error)));
-        return;
+        close(dirFd);
+        return notSaved(wsa, base + pictureDir, error);
+    }
+    FILE* pfHtml = wsaCreateOwnFile(dirFd, pageName.constData());
+    const int pageError = errno;
+    close(dirFd);
+    if (!pfHtml) {
+        if (pictureFd >= 0)
+            close(pictureFd);
+        return notSaved(wsa, base + pageName, pageError);
     }
     writePageHead(pfHtml);
     wsa.saveGeneralInfoOfSet(pfHtml, WSA_REPORT_FONT_SIZE);
-    (void)pixmap.save(bmpPath + QLatin1String("/wsa.bmp"));
+    savePicture(pixmap, pictureFd, base + pictureDir + "/wsa.bmp");
     writePageTail(pfHtml, newtext);
     std::fclose(pfHtml);
 }
@@ -281,7 +314,7 @@ int GetVersion(const char* sPath, char* pOut, size_t nOutLength)
 {
     if (!sPath || !pOut || nOutLength == 0)
         return -2;
-    FILE* pStream = std::fopen(sPath, "r");
+    FILE* pStream = wsaOpenRegularFile(sPath);
     if (!pStream)
         return -1;
     std::memset(pOut, 0, nOutLength);
