@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -74,6 +75,19 @@ void reapEngines(int waitMs)
             return;
         usleep(5 * 1000);
     }
+}
+
+// A desktop installation may run several analyzers, of several users: each stops the engines
+// it started, by their process groups (an engine the shell fallback started is a member of its
+// starter's group), never every engine by name.
+void stopOwnEngines()
+{
+    reapEngines(0);
+    for (int i = 0; i < enginePidCount; ++i) {
+        (void)kill(-enginePids[i], SIGKILL);
+        (void)kill(enginePids[i], SIGKILL);
+    }
+    reapEngines(kReapWaitMs);
 }
 
 void rememberEngine(pid_t pid)
@@ -298,6 +312,7 @@ void startAppEngines()
 
     moduleImage[0].imagePath = wsaEnginePath();
     const char* argument = wsaSelectedBand().handheld->engineArgument;
+    const bool ownGroups = wsaDesktopPaths();
     pid_t started[sizeof moduleImage / sizeof moduleImage[0]];
     int startedCount = 0;
     for (const stModuleImage& image : moduleImage) {
@@ -307,8 +322,13 @@ void startAppEngines()
             std::puts("fork failed ! terminating ");
             std::fflush(stdout);
         } else if (pid == 0) {
+            if (ownGroups)
+                (void)setpgid(0, 0);
             runEngine(image, argument);
         } else {
+            // Set on both sides, so the group exists whichever runs first.
+            if (ownGroups)
+                (void)setpgid(pid, pid);
             rememberEngine(pid);
             started[startedCount++] = pid;
         }
@@ -330,6 +350,10 @@ void stopAppEngines()
     if (sockFd >= 0) {
         close(sockFd);
         sockFd = -1;
+    }
+    if (wsaDesktopPaths()) {
+        stopOwnEngines();
+        return;
     }
     for (const stModuleImage& image : moduleImage) {
         char command[80];
