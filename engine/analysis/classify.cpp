@@ -1,0 +1,349 @@
+#include "classify.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace wsa
+{
+
+namespace
+{
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kMinOccupancy = 0.06; // a bin belongs to a stationary emitter above this
+constexpr double kMinLit = 3.0;        // ... and when lit at least this often in the window
+constexpr double kContinuous = 0.9;
+
+double clamp01(double v) { return std::min(1.0, std::max(0.0, v)); }
+} // namespace
+
+Classifier::Classifier(const Band& band)
+    : m_band(&band), m_stepMHz(band.grid.stepHz / 1e6)
+{
+    m_regions.reserve(256);
+    m_scratch.reserve(std::size_t(band.grid.shown));
+    m_blipCentres.reserve(8192);
+    m_blipWidths.reserve(8192);
+    m_cells.resize(std::size_t((band.grid.endHz - band.grid.startHz) / 1e6) + 2);
+}
+
+double Classifier::mhzOf(double bin) const
+{
+    return (m_band->grid.startHz / 1e6) + bin * m_stepMHz;
+}
+
+void Classifier::findRegions(const Activity& a)
+{
+    m_regions.clear();
+    const int n = a.bins();
+    // Averaged over a few neighbours, so a bursty emitter seen for a second already forms one
+    // region rather than fragments.
+    auto member = [&](int i) {
+        double lit = 0, seen = 0;
+        for (int k = std::max(0, i - 2); k <= std::min(n - 1, i + 2); ++k) {
+            lit += a.litCount(k);
+            seen += a.seen(k);
+        }
+        const int count = std::min(n - 1, i + 2) - std::max(0, i - 2) + 1;
+        return (lit / count >= kMinLit && lit / seen >= kMinOccupancy) ||
+               (a.litCount(i) >= kMinLit && a.occupancy(i) >= kMinOccupancy);
+    };
+    int i = 0;
+    while (i < n && m_regions.size() < m_regions.capacity()) {
+        if (!member(i)) {
+            ++i;
+            continue;
+        }
+        int hi = i;
+        while (hi + 1 < n && (member(hi + 1) || (hi + 2 < n && member(hi + 2))))
+            ++hi;
+        Region r{};
+        r.lo = i;
+        r.hi = hi;
+        m_regions.push_back(r);
+        i = hi + 1;
+    }
+}
+
+void Classifier::describe(Region& r, const Activity& a, double nowS, double dwellS, int sweepsInWindow)
+{
+    m_scratch.clear();
+    double occMax = 0;
+    for (int i = r.lo; i <= r.hi; ++i) {
+        m_scratch.push_back(float(a.litExcess(i)));
+        occMax = std::max(occMax, a.occupancy(i));
+    }
+    auto nth = m_scratch.begin() + std::ptrdiff_t(m_scratch.size() * 8 / 10);
+    std::nth_element(m_scratch.begin(), nth, m_scratch.end());
+    r.plateau = *nth;
+    auto inCore = [&](int i) { return a.litExcess(i) >= r.plateau - 10 && a.occupancy(i) >= 0.2 * occMax; };
+    r.coreLo = r.lo;
+    while (r.coreLo < r.hi && !inCore(r.coreLo))
+        ++r.coreLo;
+    r.coreHi = r.hi;
+    while (r.coreHi > r.coreLo && !inCore(r.coreHi))
+        --r.coreHi;
+
+    const int len = r.coreHi - r.coreLo + 1;
+    const double mid = (r.coreLo + r.coreHi) / 2.0;
+    double occ = 0, cond = 0, condMax = -1e9, lit = 0, peak = -999;
+    double occMid = 0, occEdge = 0, condMid = 0, condShoulder = 0;
+    int nMid = 0, nEdge = 0, nCentre = 0, nShoulder = 0;
+    for (int i = r.coreLo; i <= r.coreHi; ++i) {
+        const double c = a.litExcess(i);
+        const double o = a.occupancy(i);
+        occ += o;
+        cond += c;
+        condMax = std::max(condMax, c);
+        lit += a.litCount(i);
+        peak = std::max(peak, double(a.recentMax(i)));
+        const double rel = len > 1 ? std::fabs(i - mid) / len : 0; // 0 centre .. 0.5 edge
+        if (rel <= 0.25) {
+            occMid += o;
+            ++nMid;
+        } else if (rel >= 0.35) {
+            occEdge += o;
+            ++nEdge;
+        }
+        if (rel <= 0.1) {
+            condMid += c;
+            ++nCentre;
+        } else if (rel >= 0.3 && rel <= 0.45) {
+            condShoulder += c;
+            ++nShoulder;
+        }
+    }
+    r.occupancy = occ / len;
+    r.flatness = condMax - cond / len;
+    r.edgeRatio = nMid && nEdge && occMid > 0 ? (occEdge / nEdge) / (occMid / nMid) : 1;
+    r.shoulderDb = nCentre && nShoulder ? condMid / nCentre - condShoulder / nShoulder : 0;
+    r.litPerBin = lit / len;
+    r.peakDbm = peak;
+    measureRuns(r, a, nowS, dwellS, sweepsInWindow);
+}
+
+void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double dwellS, int sweepsInWindow)
+{
+    const int len = r.coreHi - r.coreLo + 1;
+    long lastFull = -1;
+    int full = 0, runs = 0, starts = 0;
+    double runBins = 0;
+    long lastStart = -1;
+    double inTime[2][2] = {}, inPlace[2][2] = {};
+    a.forEachSegment(nowS - kWindowS, [&](const Segment& s) {
+        const int lo = std::max(s.lo, r.coreLo);
+        const int hi = std::min(s.hi, r.coreHi);
+        if (hi < lo)
+            return;
+        if (hi - lo + 1 >= 0.85 * len && s.sweep != lastFull) {
+            ++full;
+            lastFull = s.sweep;
+        }
+        if (hi - lo >= 1) {
+            ++runs;
+            runBins += hi - lo + 1;
+        }
+        // A run that starts inside the core started in time, not at the emitter's edge. One
+        // per sweep: the runs of one sweep lie within milliseconds of each other.
+        if (s.lo > r.coreLo + 1 && s.hi - s.lo >= 2 && s.sweep != lastStart) {
+            lastStart = s.sweep;
+            const double t = s.timeS + s.lo * dwellS;
+            const double inSweep = s.lo * dwellS;
+            for (int m = 0; m < 2; ++m) {
+                const double w = 2 * kPi * (m ? 60 : 50);
+                inTime[m][0] += std::cos(w * t);
+                inTime[m][1] += std::sin(w * t);
+                inPlace[m][0] += std::cos(w * inSweep);
+                inPlace[m][1] += std::sin(w * inSweep);
+            }
+            ++starts;
+        }
+    });
+    r.continuity = sweepsInWindow > 0 ? std::min(1.0, double(full) / sweepsInWindow) : 0;
+    r.runMs = runs ? runBins / runs * dwellS * 1e3 : 0;
+    r.runStarts = starts;
+    // Starts in step with the mains in absolute time, but not merely because they fall at the
+    // same place of every sweep (which a sweep rate commensurate with the mains would also give).
+    r.mainsLock = 0;
+    r.mainsHz = 50;
+    for (int m = 0; m < 2 && starts > 0; ++m) {
+        const double lock = std::hypot(inTime[m][0], inTime[m][1]) / starts;
+        const double place = std::hypot(inPlace[m][0], inPlace[m][1]) / starts;
+        const double score = lock - std::max(0.0, place - 0.5);
+        if (score > r.mainsLock) {
+            r.mainsLock = score;
+            r.mainsHz = m ? 60 : 50;
+        }
+    }
+}
+
+bool Classifier::fitWifi(const Region& r, Detection& d) const
+{
+    const double lo = mhzOf(r.coreLo - 0.5);
+    const double hi = mhzOf(r.coreHi + 0.5);
+    const double tol = std::max(2.5, 2 * m_stepMHz);
+    double best = tol;
+    const Channel* fit = nullptr;
+    for (std::size_t k = 0; k < m_band->widthsMHz.size(); ++k) {
+        if (m_band->widthsMHz[k] > 160)
+            continue;
+        for (const Channel& c : m_band->plans[k]) {
+            const double err = std::max(std::fabs(lo - c.lowMHz()), std::fabs(hi - c.highMHz()));
+            if (err < best) {
+                best = err;
+                fit = &c;
+            }
+        }
+    }
+    if (!fit)
+        return false;
+    d.kind = EmitterKind::WifiOfdm;
+    d.centerMHz = fit->centerMHz;
+    d.widthMHz = fit->widthMHz;
+    d.channel = fit->number;
+    d.add("edge_error_mhz", best);
+    d.confidence = 1 - 0.5 * best / tol;
+    return true;
+}
+
+bool Classifier::classify(const Region& r, Detection& d) const
+{
+    if (r.litPerBin < 1.5)
+        return false;
+    const int bins = r.coreHi - r.coreLo + 1;
+    const bool g24 = m_band->id == BandId::Ghz24;
+    const double width = (r.coreHi - r.coreLo + 1) * m_stepMHz;
+    const double centre = mhzOf((r.coreLo + r.coreHi) / 2.0);
+    d = Detection{};
+    d.centerMHz = centre;
+    d.widthMHz = width;
+    d.duty = r.occupancy;
+    d.peakDbm = r.peakDbm;
+    d.add("width_mhz", width);
+    d.add("occupancy", r.occupancy);
+    d.add("continuity", r.continuity);
+    d.add("flatness_db", r.flatness);
+    const double evidence = 1 - std::exp(-r.litPerBin / 3);
+    double match = 0.7;
+    if (r.continuity >= kContinuous) {
+        if (width <= std::max(0.6, 2.5 * m_stepMHz)) {
+            d.kind = EmitterKind::Narrowband;
+            match = 0.9;
+        } else if (width <= 6) {
+            d.kind = EmitterKind::WirelessAudio;
+        } else if (width >= 10 && width <= 28 && r.flatness >= 4.5) {
+            d.kind = EmitterKind::AvTransmitter;
+            match = clamp01(0.6 + (r.flatness - 4.5) / 5);
+        } else {
+            d.kind = EmitterKind::FixedWireless;
+        }
+    } else if (width <= 6) {
+        const double zigbee = std::round((centre - 2405) / 5) * 5 + 2405;
+        if (r.occupancy >= 0.7) {
+            d.kind = EmitterKind::WirelessAudio;
+        } else if (g24 && width <= 4.5 && width >= 1.0 && std::fabs(centre - zigbee) <= 0.8 && zigbee >= 2405 && zigbee <= 2480) {
+            d.kind = EmitterKind::Zigbee;
+            d.channel = 11 + int(std::lround((zigbee - 2405) / 5));
+            d.centerMHz = zigbee;
+            match = 0.9 - std::fabs(centre - zigbee) / 2;
+        } else if (bins >= 3 && width >= 1.0 && r.litPerBin >= 4) {
+            d.kind = EmitterKind::Unknown;
+            match = 0.3;
+        } else {
+            return false; // a few bins lit now and then: the noise's own tail
+        }
+    } else if (g24 && width >= 10 && r.mainsLock >= 0.7 && r.runStarts >= 12) {
+        d.kind = EmitterKind::MicrowaveOven;
+        d.add("mains_lock", r.mainsLock);
+        d.add("mains_hz", r.mainsHz);
+        match = clamp01(r.mainsLock + 0.1);
+    } else {
+        const double dsssCentre = std::round((centre - 2407) / 5) * 5 + 2407;
+        const bool dsssPlace = g24 && std::fabs(centre - dsssCentre) <= 1.5 && width >= 6 && width <= 26;
+        Detection w = d;
+        const bool wifi = fitWifi(r, w);
+        if (dsssPlace && (r.shoulderDb >= 2.5 || !wifi)) {
+            d.kind = EmitterKind::WifiDsss;
+            d.centerMHz = dsssCentre;
+            d.widthMHz = 22;
+            d.add("shoulder_db", r.shoulderDb);
+            match = clamp01(0.5 + r.shoulderDb / 10);
+        } else if (wifi && r.edgeRatio >= 0.6) {
+            d = w;
+            match = w.confidence * clamp01(r.edgeRatio);
+            d.add("edge_ratio", r.edgeRatio);
+        } else {
+            d.kind = EmitterKind::Unknown;
+            match = 0.3;
+            d.add("run_ms", r.runMs);
+        }
+    }
+    d.confidence = clamp01(evidence * match);
+    return true;
+}
+
+void Classifier::findHoppers(const Activity& a, double nowS, int sweepsInWindow, std::vector<Detection>& out)
+{
+    m_blipCentres.clear();
+    m_blipWidths.clear();
+    std::fill(m_cells.begin(), m_cells.end(), 0);
+    const int maxWidth = std::max(2, int(2.5 / m_stepMHz));
+    const int maxLen = std::max(3, int(4.0 / m_stepMHz));
+    double peak = -999;
+    a.forEachSegment(nowS - kWindowS, [&](const Segment& s) {
+        if (s.width6 > maxWidth || s.hi - s.lo + 1 > maxLen || s.peakExcess < 9)
+            return;
+        if (a.occupancy(s.peak) >= kMinOccupancy || m_blipCentres.size() == m_blipCentres.capacity())
+            return;
+        const double f = mhzOf(s.peak);
+        m_blipCentres.push_back(f);
+        m_blipWidths.push_back(s.width6);
+        ++m_cells[std::size_t(std::min(int(m_cells.size()) - 1, int((f - mhzOf(0)))))];
+        peak = std::max(peak, double(a.recentMax(s.peak)));
+    });
+    const int n = int(m_blipCentres.size());
+    if (n < 6)
+        return;
+    int distinct = 0, most = 0;
+    for (int c : m_cells) {
+        distinct += c > 0;
+        most = std::max(most, c);
+    }
+    std::sort(m_blipCentres.begin(), m_blipCentres.end());
+    const double p10 = m_blipCentres[std::size_t(n / 10)];
+    const double p90 = m_blipCentres[std::size_t(n - 1 - n / 10)];
+    if (distinct < 5 || p90 - p10 < 35 || most > 0.35 * n)
+        return;
+    auto mid = m_blipWidths.begin() + n / 2;
+    std::nth_element(m_blipWidths.begin(), mid, m_blipWidths.end());
+    const double widthMHz = *mid * m_stepMHz;
+    Detection d;
+    d.kind = widthMHz <= 1.0 ? EmitterKind::Bluetooth : EmitterKind::CordlessPhone;
+    d.centerMHz = (m_blipCentres.front() + m_blipCentres.back()) / 2;
+    d.widthMHz = m_blipCentres.back() - m_blipCentres.front() + 1;
+    // An averaging receiver meets a hopper about duty * (1 + crossing time / (span * dwell))
+    // times a sweep; with the sweep crossing the span in a few dwells, blips per sweep / 2.
+    d.duty = clamp01(double(n) / std::max(1, sweepsInWindow) / 2);
+    d.peakDbm = peak;
+    d.confidence = clamp01((1 - std::exp(-n / 12.0)) * (0.6 + 0.4 * clamp01((p90 - p10) / 60)));
+    d.add("bursts", n);
+    d.add("burst_width_mhz", widthMHz);
+    d.add("hop_span_mhz", p90 - p10);
+    d.add("frequencies", distinct);
+    out.push_back(d);
+}
+
+void Classifier::run(const Activity& activity, double nowS, double dwellS, int sweepsInWindow,
+                     std::vector<Detection>& out)
+{
+    out.clear();
+    findRegions(activity);
+    for (Region& r : m_regions) {
+        describe(r, activity, nowS, dwellS, sweepsInWindow);
+        Detection d;
+        if (classify(r, d))
+            out.push_back(d);
+    }
+    findHoppers(activity, nowS, sweepsInWindow, out);
+}
+
+} // namespace wsa
