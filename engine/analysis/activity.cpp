@@ -7,8 +7,8 @@ namespace wsa
 
 Activity::Activity(int bins)
     : m_lit(std::size_t(std::max(bins, 1))), m_excess(m_lit.size()), m_seen(m_lit.size()),
-      m_litCount(m_lit.size()), m_litExcessSum(m_lit.size()), m_max(m_lit.size(), -200.0f),
-      m_ring(8192)
+      m_litCount(m_lit.size()), m_litExcessSum(m_lit.size()), m_excessSum(m_lit.size()), m_max(m_lit.size(), -200.0f),
+      m_ring(16384)
 {
 }
 
@@ -24,6 +24,7 @@ void Activity::take(const float* dbm, const float* floor, double timeS, double d
         m_seen[i] = m_seen[i] * decay + 1;
         m_litCount[i] = m_litCount[i] * decay + (on ? 1 : 0);
         m_litExcessSum[i] = m_litExcessSum[i] * decay + (on ? ex : 0);
+        m_excessSum[i] = m_excessSum[i] * decay + ex;
         m_max[i] = std::max(dbm[i], m_max[i] - maxFall);
     }
     findSegments(timeS);

@@ -45,6 +45,12 @@ public:
         const double n = m_seen[std::size_t(i)];
         return n > 0 ? m_litCount[std::size_t(i)] / n : 0;
     }
+    // Mean dB above the floor over all recent sweeps, lit or not: a smooth profile of activity.
+    double meanExcess(int i) const
+    {
+        const double n = m_seen[std::size_t(i)];
+        return n > 0 ? m_excessSum[std::size_t(i)] / n : 0;
+    }
     // Highest level of bin i over the last seconds (dBm).
     float recentMax(int i) const { return m_max[std::size_t(i)]; }
 
@@ -61,7 +67,7 @@ public:
     }
     long sweeps() const { return m_sweep; }
 
-    static constexpr float kLitDb = 6.0f; // "clearly above the floor"
+    static constexpr float kLitDb = 7.0f; // "clearly above the floor"
 
 private:
     void findSegments(double timeS);
@@ -71,6 +77,7 @@ private:
     std::vector<double> m_seen;
     std::vector<double> m_litCount;
     std::vector<double> m_litExcessSum;
+    std::vector<double> m_excessSum;
     std::vector<float> m_max;
     std::vector<Segment> m_ring;
     std::size_t m_ringNext = 0;

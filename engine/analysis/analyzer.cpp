@@ -9,7 +9,7 @@ namespace wsa
 namespace
 {
 constexpr double kDefaultInterval = 0.05;
-constexpr long kWarmUpSweeps = 10; // the floor settles before anything is named
+constexpr long kWarmUpSweeps = 16; // the floor settles before anything is named
 
 bool isHopper(EmitterKind k)
 {
@@ -81,17 +81,34 @@ void Analyzer::look(double now)
 void Analyzer::merge(const Detection& d, double now)
 {
     const bool hopper = isHopper(d.kind);
-    Track* track = nullptr;
-    for (Track& t : m_tracks) {
-        if (t.hopper != hopper)
-            continue;
+    auto matches = [&](const Track& t) {
         const EmitterReport& r = t.report;
-        if (hopper || overlapShare(r.centerMHz - r.widthMHz / 2, r.centerMHz + r.widthMHz / 2,
-                                   d.centerMHz - d.widthMHz / 2, d.centerMHz + d.widthMHz / 2) >= 0.5) {
-            track = &t;
-            break;
+        return t.hopper == hopper &&
+               (hopper || overlapShare(r.centerMHz - r.widthMHz / 2, r.centerMHz + r.widthMHz / 2,
+                                       d.centerMHz - d.widthMHz / 2, d.centerMHz + d.widthMHz / 2) >= 0.5);
+    };
+    auto first = std::find_if(m_tracks.begin(), m_tracks.end(), matches);
+    // Pieces of one emitter seen before its whole shape had formed join the track of the whole.
+    if (first != m_tracks.end()) {
+        for (auto it = first + 1; it != m_tracks.end();) {
+            if (!matches(*it)) {
+                ++it;
+                continue;
+            }
+            for (int k = 0; k < kEmitterKindCount; ++k)
+                first->votes[k] += it->votes[k];
+            first->report.firstS = std::min(first->report.firstS, it->report.firstS);
+            first->hits = std::max(first->hits, it->hits);
+            if (it->confirmed && !first->confirmed) {
+                first->confirmed = true;
+                first->report.id = it->report.id;
+                first->report.reportedS = it->report.reportedS;
+            }
+            it = m_tracks.erase(it);
+            changed();
         }
     }
+    Track* track = first != m_tracks.end() ? &*first : nullptr;
     if (!track) {
         if (m_tracks.size() >= 256)
             return; // a bound on a pathological stream; the regions it would add are noise
@@ -108,19 +125,23 @@ void Analyzer::merge(const Detection& d, double now)
     t.votes[int(d.kind)] += 0.2 + d.confidence;
     const int winner = int(std::max_element(t.votes, t.votes + kEmitterKindCount) - t.votes);
     r.kind = EmitterKind(winner);
-    if (d.kind == r.kind) {
+    // Place and width come from the surest look of the winning kind, so the fading echo of an
+    // emitter that stopped does not rewrite them.
+    if (d.kind == r.kind && (d.confidence >= 0.8 * t.best || r.kind != before)) {
+        t.best = std::max(d.confidence, r.kind != before ? d.confidence : t.best);
         r.centerMHz = d.centerMHz;
         r.widthMHz = d.widthMHz;
         r.channel = d.channel;
-        r.confidence += 0.3 * (d.confidence - r.confidence);
         r.featureCount = d.featureCount;
         std::copy(d.features, d.features + d.featureCount, r.features);
     }
+    if (d.kind == r.kind)
+        r.confidence += 0.3 * (d.confidence - r.confidence);
     r.lastS = now;
     r.duty += 0.2 * (d.duty - r.duty);
     r.peakDbm = std::max(r.peakDbm, d.peakDbm);
     ++t.hits;
-    if (!t.confirmed && t.hits >= kConfirmHits) {
+    if (!t.confirmed && t.hits >= (t.hopper ? kConfirmHits - 1 : kConfirmHits)) {
         t.confirmed = true;
         r.id = m_nextId++;
         r.reportedS = now;
@@ -133,7 +154,7 @@ void Analyzer::merge(const Detection& d, double now)
 void Analyzer::endStale(double now)
 {
     for (auto it = m_tracks.begin(); it != m_tracks.end();) {
-        if (now - it->report.lastS <= kHoldS) {
+        if (now - it->report.lastS <= (it->hopper ? 2 * kHoldS : kHoldS)) {
             ++it;
             continue;
         }

@@ -72,6 +72,7 @@ private:
         int hits = 0;
         bool confirmed = false;
         bool hopper = false;
+        double best = 0; // confidence of the look that gave the report its place and width
         double votes[kEmitterKindCount] = {}; // the kind is the one most looks named
     };
 

@@ -9,9 +9,10 @@ namespace wsa
 namespace
 {
 constexpr double kPi = 3.14159265358979323846;
-constexpr double kMinOccupancy = 0.06; // a bin belongs to a stationary emitter above this
-constexpr double kMinLit = 3.0;        // ... and when lit at least this often in the window
+constexpr double kMinOccupancy = 0.03; // a bin belongs to a stationary emitter above this
+constexpr double kMinLit = 1.5;        // ... and when lit at least this often in the window
 constexpr double kContinuous = 0.9;
+constexpr double kValleyDb = 6;
 
 double clamp01(double v) { return std::min(1.0, std::max(0.0, v)); }
 } // namespace
@@ -56,11 +57,49 @@ void Classifier::findRegions(const Activity& a)
         int hi = i;
         while (hi + 1 < n && (member(hi + 1) || (hi + 2 < n && member(hi + 2))))
             ++hi;
+        addSplit(a, i, hi, 0);
+        i = hi + 1;
+    }
+}
+
+// Two emitters side by side form one run of active bins, joined by their skirts; a valley in
+// the level they show when on, between two stronger parts, separates them.
+void Classifier::addSplit(const Activity& a, int lo, int hi, int depth)
+{
+    auto level = [&](int i) {
+        double sum = 0;
+        int count = 0;
+        for (int k = std::max(lo, i - 1); k <= std::min(hi, i + 1); ++k, ++count)
+            sum += a.litExcess(k);
+        return sum / count;
+    };
+    int valley = -1;
+    double deepest = 0;
+    double leftMax = -1e9;
+    for (int v = lo; v <= hi && depth < 8; ++v) {
+        const double p = level(v);
+        leftMax = std::max(leftMax, p);
+        if (v == lo || v == hi || leftMax - p < kValleyDb)
+            continue;
+        double rightMax = -1e9;
+        for (int k = v + 1; k <= hi; ++k)
+            rightMax = std::max(rightMax, level(k));
+        const double d = std::min(leftMax, rightMax) - p;
+        if (d >= kValleyDb && d > deepest) {
+            deepest = d;
+            valley = v;
+        }
+    }
+    if (valley >= 0) {
+        addSplit(a, lo, valley - 1, depth + 1);
+        addSplit(a, valley + 1, hi, depth + 1);
+        return;
+    }
+    if (m_regions.size() < m_regions.capacity()) {
         Region r{};
-        r.lo = i;
+        r.lo = lo;
         r.hi = hi;
         m_regions.push_back(r);
-        i = hi + 1;
     }
 }
 
@@ -69,9 +108,12 @@ void Classifier::describe(Region& r, const Activity& a, double nowS, double dwel
     m_scratch.clear();
     double occMax = 0;
     for (int i = r.lo; i <= r.hi; ++i) {
-        m_scratch.push_back(float(a.litExcess(i)));
+        if (a.litCount(i) > 0.5)
+            m_scratch.push_back(float(a.litExcess(i)));
         occMax = std::max(occMax, a.occupancy(i));
     }
+    if (m_scratch.empty())
+        m_scratch.push_back(0);
     auto nth = m_scratch.begin() + std::ptrdiff_t(m_scratch.size() * 8 / 10);
     std::nth_element(m_scratch.begin(), nth, m_scratch.end());
     r.plateau = *nth;
@@ -117,24 +159,38 @@ void Classifier::describe(Region& r, const Activity& a, double nowS, double dwel
     r.edgeRatio = nMid && nEdge && occMid > 0 ? (occEdge / nEdge) / (occMid / nMid) : 1;
     r.shoulderDb = nCentre && nShoulder ? condMid / nCentre - condShoulder / nShoulder : 0;
     r.litPerBin = lit / len;
+    r.peakOccupancy = 0;
+    for (int i = r.coreLo; i <= r.coreHi; ++i)
+        r.peakOccupancy = std::max(r.peakOccupancy, a.occupancy(i));
     r.peakDbm = peak;
     measureRuns(r, a, nowS, dwellS, sweepsInWindow);
 }
 
 void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double dwellS, int sweepsInWindow)
 {
-    const int len = r.coreHi - r.coreLo + 1;
+    // Whole-core sweeps are counted over the part well above the threshold, so a continuous
+    // emitter's weak skirts, lit now and then, do not make it look bursty.
+    int strongLo = r.coreLo, strongHi = r.coreHi;
+    while (strongLo < strongHi && a.litExcess(strongLo) < r.plateau - 6)
+        ++strongLo;
+    while (strongHi > strongLo && a.litExcess(strongHi) < r.plateau - 6)
+        --strongHi;
+    const int strongLen = strongHi - strongLo + 1;
     long lastFull = -1;
     int full = 0, runs = 0, starts = 0;
     double runBins = 0;
     long lastStart = -1;
+    int recent = 0;
     double inTime[2][2] = {}, inPlace[2][2] = {};
     a.forEachSegment(nowS - kWindowS, [&](const Segment& s) {
         const int lo = std::max(s.lo, r.coreLo);
         const int hi = std::min(s.hi, r.coreHi);
         if (hi < lo)
             return;
-        if (hi - lo + 1 >= 0.85 * len && s.sweep != lastFull) {
+        if (s.timeS >= nowS - kRecentS)
+            ++recent;
+        const int strong = std::min(s.hi, strongHi) - std::max(s.lo, strongLo) + 1;
+        if (strong >= 0.85 * strongLen && s.sweep != lastFull) {
             ++full;
             lastFull = s.sweep;
         }
@@ -161,6 +217,7 @@ void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double d
     r.continuity = sweepsInWindow > 0 ? std::min(1.0, double(full) / sweepsInWindow) : 0;
     r.runMs = runs ? runBins / runs * dwellS * 1e3 : 0;
     r.runStarts = starts;
+    r.recentRuns = recent;
     // Starts in step with the mains in absolute time, but not merely because they fall at the
     // same place of every sweep (which a sweep rate commensurate with the mains would also give).
     r.mainsLock = 0;
@@ -207,7 +264,8 @@ bool Classifier::fitWifi(const Region& r, Detection& d) const
 
 bool Classifier::classify(const Region& r, Detection& d) const
 {
-    if (r.litPerBin < 1.5)
+    // History fades over seconds; an emitter that has gone quiet is not described by its echo.
+    if (r.litPerBin < 1.5 || r.recentRuns == 0)
         return false;
     const int bins = r.coreHi - r.coreLo + 1;
     const bool g24 = m_band->id == BandId::Ghz24;
@@ -224,11 +282,11 @@ bool Classifier::classify(const Region& r, Detection& d) const
     d.add("flatness_db", r.flatness);
     const double evidence = 1 - std::exp(-r.litPerBin / 3);
     double match = 0.7;
-    if (r.continuity >= kContinuous) {
-        if (width <= std::max(0.6, 2.5 * m_stepMHz)) {
-            d.kind = EmitterKind::Narrowband;
-            match = 0.9;
-        } else if (width <= 6) {
+    if (width <= std::max(0.6, 2.5 * m_stepMHz) && r.peakOccupancy >= 0.85) {
+        d.kind = EmitterKind::Narrowband;
+        match = 0.9;
+    } else if (r.continuity >= kContinuous) {
+        if (width <= 6) {
             d.kind = EmitterKind::WirelessAudio;
         } else if (width >= 10 && width <= 28 && r.flatness >= 4.5) {
             d.kind = EmitterKind::AvTransmitter;
@@ -240,18 +298,18 @@ bool Classifier::classify(const Region& r, Detection& d) const
         const double zigbee = std::round((centre - 2405) / 5) * 5 + 2405;
         if (r.occupancy >= 0.7) {
             d.kind = EmitterKind::WirelessAudio;
-        } else if (g24 && width <= 4.5 && width >= 1.0 && std::fabs(centre - zigbee) <= 0.8 && zigbee >= 2405 && zigbee <= 2480) {
+        } else if (g24 && width <= 4.5 && width >= 1.0 && r.occupancy >= 0.1 && std::fabs(centre - zigbee) <= 0.8 && zigbee >= 2405 && zigbee <= 2480) {
             d.kind = EmitterKind::Zigbee;
             d.channel = 11 + int(std::lround((zigbee - 2405) / 5));
             d.centerMHz = zigbee;
             match = 0.9 - std::fabs(centre - zigbee) / 2;
-        } else if (bins >= 3 && width >= 1.0 && r.litPerBin >= 4) {
+        } else if (bins >= 3 && width >= 1.0 && r.litPerBin >= 4 && r.occupancy >= 0.1) {
             d.kind = EmitterKind::Unknown;
             match = 0.3;
         } else {
             return false; // a few bins lit now and then: the noise's own tail
         }
-    } else if (g24 && width >= 10 && r.mainsLock >= 0.7 && r.runStarts >= 12) {
+    } else if (g24 && width >= 10 && r.mainsLock >= 0.45 && r.runStarts >= 16) {
         d.kind = EmitterKind::MicrowaveOven;
         d.add("mains_lock", r.mainsLock);
         d.add("mains_hz", r.mainsHz);
@@ -266,15 +324,19 @@ bool Classifier::classify(const Region& r, Detection& d) const
             d.centerMHz = dsssCentre;
             d.widthMHz = 22;
             d.add("shoulder_db", r.shoulderDb);
+            d.add("mains_lock", r.mainsLock);
             match = clamp01(0.5 + r.shoulderDb / 10);
         } else if (wifi && r.edgeRatio >= 0.6) {
             d = w;
             match = w.confidence * clamp01(r.edgeRatio);
             d.add("edge_ratio", r.edgeRatio);
-        } else {
+        } else if (r.occupancy >= 0.1 && r.litPerBin >= 3) {
             d.kind = EmitterKind::Unknown;
             match = 0.3;
             d.add("run_ms", r.runMs);
+            d.add("mains_lock", r.mainsLock);
+        } else {
+            return false; // skirts of a strong neighbour, lit now and then
         }
     }
     d.confidence = clamp01(evidence * match);
@@ -289,7 +351,7 @@ void Classifier::findHoppers(const Activity& a, double nowS, int sweepsInWindow,
     const int maxWidth = std::max(2, int(2.5 / m_stepMHz));
     const int maxLen = std::max(3, int(4.0 / m_stepMHz));
     double peak = -999;
-    a.forEachSegment(nowS - kWindowS, [&](const Segment& s) {
+    a.forEachSegment(nowS - kHopperWindowS, [&](const Segment& s) {
         if (s.width6 > maxWidth || s.hi - s.lo + 1 > maxLen || s.peakExcess < 9)
             return;
         if (a.occupancy(s.peak) >= kMinOccupancy || m_blipCentres.size() == m_blipCentres.capacity())
@@ -301,7 +363,7 @@ void Classifier::findHoppers(const Activity& a, double nowS, int sweepsInWindow,
         peak = std::max(peak, double(a.recentMax(s.peak)));
     });
     const int n = int(m_blipCentres.size());
-    if (n < 6)
+    if (n < 5)
         return;
     int distinct = 0, most = 0;
     for (int c : m_cells) {
@@ -311,7 +373,7 @@ void Classifier::findHoppers(const Activity& a, double nowS, int sweepsInWindow,
     std::sort(m_blipCentres.begin(), m_blipCentres.end());
     const double p10 = m_blipCentres[std::size_t(n / 10)];
     const double p90 = m_blipCentres[std::size_t(n - 1 - n / 10)];
-    if (distinct < 5 || p90 - p10 < 35 || most > 0.35 * n)
+    if (distinct < 4 || p90 - p10 < 30 || most > 0.35 * n)
         return;
     auto mid = m_blipWidths.begin() + n / 2;
     std::nth_element(m_blipWidths.begin(), mid, m_blipWidths.end());

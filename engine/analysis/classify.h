@@ -45,6 +45,9 @@ public:
     explicit Classifier(const Band& band);
 
     static constexpr double kWindowS = 2.0;
+    // Hoppers light few bins a sweep; they are judged over a longer stretch.
+    static constexpr double kHopperWindowS = 4.0;
+    static constexpr double kRecentS = 1.0;
 
     // Replaces `out` with what the activity of the last kWindowS seconds shows. dwellS is the
     // time the receiver spends on one bin; sweepsInWindow how many sweeps the window holds.
@@ -65,11 +68,14 @@ private:
         double mainsLock;   // how well the starts of lit runs keep step with 50 or 60 Hz, 0..1
         double mainsHz;
         int runStarts;
+        int recentRuns; // runs within the core in the last kRecentS: is it still on the air?
         double litPerBin;   // evidence: lit sweeps per core bin in the window
+        double peakOccupancy;
         double peakDbm;
     };
 
     void findRegions(const Activity& a);
+    void addSplit(const Activity& a, int lo, int hi, int depth);
     void describe(Region& r, const Activity& a, double nowS, double dwellS, int sweepsInWindow);
     void measureRuns(Region& r, const Activity& a, double nowS, double dwellS, int sweepsInWindow);
     bool classify(const Region& r, Detection& d) const;
