@@ -170,10 +170,13 @@ void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double d
 {
     // Whole-core sweeps are counted over the part well above the threshold, so a continuous
     // emitter's weak skirts, lit now and then, do not make it look bursty.
+    double occMax = 0;
+    for (int i = r.coreLo; i <= r.coreHi; ++i)
+        occMax = std::max(occMax, a.occupancy(i));
     int strongLo = r.coreLo, strongHi = r.coreHi;
-    while (strongLo < strongHi && a.litExcess(strongLo) < r.plateau - 6)
+    while (strongLo < strongHi && a.occupancy(strongLo) < 0.8 * occMax)
         ++strongLo;
-    while (strongHi > strongLo && a.litExcess(strongHi) < r.plateau - 6)
+    while (strongHi > strongLo && a.occupancy(strongHi) < 0.8 * occMax)
         --strongHi;
     const int strongLen = strongHi - strongLo + 1;
     long lastFull = -1;
@@ -280,6 +283,7 @@ bool Classifier::classify(const Region& r, Detection& d) const
     d.add("occupancy", r.occupancy);
     d.add("continuity", r.continuity);
     d.add("flatness_db", r.flatness);
+    d.add("level_db", r.plateau);
     const double evidence = 1 - std::exp(-r.litPerBin / 3);
     double match = 0.7;
     if (width <= std::max(0.6, 2.5 * m_stepMHz) && r.peakOccupancy >= 0.85) {
@@ -288,12 +292,19 @@ bool Classifier::classify(const Region& r, Detection& d) const
     } else if (r.continuity >= kContinuous) {
         if (width <= 6) {
             d.kind = EmitterKind::WirelessAudio;
-        } else if (width >= 10 && width <= 28 && r.flatness >= 4.5) {
+        } else if (width >= 8 && width <= 28 && (r.flatness >= 4.5 || r.shoulderDb >= 1.5 || g24)) {
+            // Analog video: a bell with the carrier on top, where a fixed link is flat. Fixed
+            // links are not expected at 2.4 GHz, where weak video shows only its flat-looking top.
             d.kind = EmitterKind::AvTransmitter;
-            match = clamp01(0.6 + (r.flatness - 4.5) / 5);
+            match = clamp01(0.6 + std::max(r.flatness - 4.5, r.shoulderDb - 1.5) / 5);
+            d.add("shoulder_db", r.shoulderDb);
         } else {
             d.kind = EmitterKind::FixedWireless;
         }
+    } else if (width <= 6 && ((r.occupancy < 0.15 && m_hopperSeen) || r.shadowed)) {
+        // A hopper's visits pile up on a few bins now and then; a strong neighbour's skirt
+        // lights bins beside it.
+        return false;
     } else if (width <= 6) {
         const double zigbee = std::round((centre - 2405) / 5) * 5 + 2405;
         if (r.occupancy >= 0.7) {
@@ -303,12 +314,16 @@ bool Classifier::classify(const Region& r, Detection& d) const
             d.channel = 11 + int(std::lround((zigbee - 2405) / 5));
             d.centerMHz = zigbee;
             match = 0.9 - std::fabs(centre - zigbee) / 2;
-        } else if (bins >= 3 && width >= 1.0 && r.litPerBin >= 4 && r.occupancy >= 0.1) {
+        } else if (bins >= 3 && width >= 1.0 && r.litPerBin >= 4 && r.occupancy >= 0.2) {
             d.kind = EmitterKind::Unknown;
             match = 0.3;
         } else {
             return false; // a few bins lit now and then: the noise's own tail
         }
+    } else if (r.occupancy >= 0.8 && width >= 10 && width <= 28 && r.flatness >= 4.5) {
+        // Continuous but for dips of its picture content or a skirt now and then.
+        d.kind = EmitterKind::AvTransmitter;
+        match = 0.6;
     } else if (g24 && width >= 10 && r.mainsLock >= 0.45 && r.runStarts >= 16) {
         d.kind = EmitterKind::MicrowaveOven;
         d.add("mains_lock", r.mainsLock);
@@ -363,7 +378,7 @@ void Classifier::findHoppers(const Activity& a, double nowS, int sweepsInWindow,
         peak = std::max(peak, double(a.recentMax(s.peak)));
     });
     const int n = int(m_blipCentres.size());
-    if (n < 5)
+    if (n < 4)
         return;
     int distinct = 0, most = 0;
     for (int c : m_cells) {
@@ -373,7 +388,7 @@ void Classifier::findHoppers(const Activity& a, double nowS, int sweepsInWindow,
     std::sort(m_blipCentres.begin(), m_blipCentres.end());
     const double p10 = m_blipCentres[std::size_t(n / 10)];
     const double p90 = m_blipCentres[std::size_t(n - 1 - n / 10)];
-    if (distinct < 4 || p90 - p10 < 30 || most > 0.35 * n)
+    if (distinct < 4 || p90 - p10 < 25 || most > 0.35 * n)
         return;
     auto mid = m_blipWidths.begin() + n / 2;
     std::nth_element(m_blipWidths.begin(), mid, m_blipWidths.end());
@@ -399,13 +414,24 @@ void Classifier::run(const Activity& activity, double nowS, double dwellS, int s
 {
     out.clear();
     findRegions(activity);
-    for (Region& r : m_regions) {
+    for (Region& r : m_regions)
         describe(r, activity, nowS, dwellS, sweepsInWindow);
+    for (std::size_t k = 0; k < m_regions.size(); ++k) {
+        Region& r = m_regions[k];
+        r.shadowed = false;
+        for (std::size_t j = k > 0 ? k - 1 : 0; j <= k + 1 && j < m_regions.size(); ++j) {
+            const Region& o = m_regions[j];
+            const int gap = j < k ? r.lo - o.hi : o.lo - r.hi;
+            if (j != k && gap <= 3 && o.plateau >= r.plateau + 3)
+                r.shadowed = true;
+        }
         Detection d;
         if (classify(r, d))
             out.push_back(d);
     }
+    const std::size_t before = out.size();
     findHoppers(activity, nowS, sweepsInWindow, out);
+    m_hopperSeen = out.size() > before;
 }
 
 } // namespace wsa

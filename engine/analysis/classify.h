@@ -69,6 +69,7 @@ private:
         double mainsHz;
         int runStarts;
         int recentRuns; // runs within the core in the last kRecentS: is it still on the air?
+        bool shadowed;  // next to a stronger region: may be nothing but its skirt
         double litPerBin;   // evidence: lit sweeps per core bin in the window
         double peakOccupancy;
         double peakDbm;
@@ -90,6 +91,7 @@ private:
     std::vector<double> m_blipCentres;
     std::vector<int> m_blipWidths;
     std::vector<int> m_cells;
+    bool m_hopperSeen = false; // at the previous look
 };
 
 } // namespace wsa
