@@ -180,11 +180,8 @@ void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double d
         --strongHi;
     const int strongLen = strongHi - strongLo + 1;
     long lastFull = -1;
-    int full = 0, runs = 0, starts = 0;
+    int full = 0, runs = 0, recent = 0;
     double runBins = 0;
-    long lastStart = -1;
-    int recent = 0;
-    double inTime[2][2] = {}, inPlace[2][2] = {};
     a.forEachSegment(nowS - kWindowS, [&](const Segment& s) {
         const int lo = std::max(s.lo, r.coreLo);
         const int hi = std::min(s.hi, r.coreHi);
@@ -201,26 +198,36 @@ void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double d
             ++runs;
             runBins += hi - lo + 1;
         }
-        // A run that starts inside the core started in time, not at the emitter's edge. One
-        // per sweep: the runs of one sweep lie within milliseconds of each other.
-        if (s.lo > r.coreLo + 1 && s.hi - s.lo >= 2 && s.sweep != lastStart) {
-            lastStart = s.sweep;
-            const double t = s.timeS + s.lo * dwellS;
-            const double inSweep = s.lo * dwellS;
-            for (int m = 0; m < 2; ++m) {
-                const double w = 2 * kPi * (m ? 60 : 50);
-                inTime[m][0] += std::cos(w * t);
-                inTime[m][1] += std::sin(w * t);
-                inPlace[m][0] += std::cos(w * inSweep);
-                inPlace[m][1] += std::sin(w * inSweep);
-            }
-            ++starts;
-        }
     });
     r.continuity = sweepsInWindow > 0 ? std::min(1.0, double(full) / sweepsInWindow) : 0;
     r.runMs = runs ? runBins / runs * dwellS * 1e3 : 0;
-    r.runStarts = starts;
     r.recentRuns = recent;
+    measureMainsLock(r, a, nowS, dwellS);
+}
+
+void Classifier::measureMainsLock(Region& r, const Activity& a, double nowS, double dwellS)
+{
+    long lastStart = -1;
+    int starts = 0;
+    double inTime[2][2] = {}, inPlace[2][2] = {};
+    a.forEachSegment(nowS - kHopperWindowS, [&](const Segment& s) {
+        // A run that starts inside the core started in time, not at the emitter's edge. One
+        // per sweep: the runs of one sweep lie within milliseconds of each other.
+        if (s.lo <= r.coreLo + 1 || s.lo > r.coreHi || s.hi - s.lo < 2 || s.sweep == lastStart)
+            return;
+        lastStart = s.sweep;
+        const double t = s.timeS + s.lo * dwellS;
+        const double inSweep = s.lo * dwellS;
+        for (int m = 0; m < 2; ++m) {
+            const double w = 2 * kPi * (m ? 60 : 50);
+            inTime[m][0] += std::cos(w * t);
+            inTime[m][1] += std::sin(w * t);
+            inPlace[m][0] += std::cos(w * inSweep);
+            inPlace[m][1] += std::sin(w * inSweep);
+        }
+        ++starts;
+    });
+    r.runStarts = starts;
     // Starts in step with the mains in absolute time, but not merely because they fall at the
     // same place of every sweep (which a sweep rate commensurate with the mains would also give).
     r.mainsLock = 0;
@@ -320,11 +327,11 @@ bool Classifier::classify(const Region& r, Detection& d) const
         } else {
             return false; // a few bins lit now and then: the noise's own tail
         }
-    } else if (r.occupancy >= 0.8 && width >= 10 && width <= 28 && r.flatness >= 4.5) {
+    } else if (width >= 8 && width <= 28 && r.occupancy >= 0.8 && r.flatness >= 4.5) {
         // Continuous but for dips of its picture content or a skirt now and then.
         d.kind = EmitterKind::AvTransmitter;
         match = 0.6;
-    } else if (g24 && width >= 10 && r.mainsLock >= 0.45 && r.runStarts >= 16) {
+    } else if (g24 && width >= 10 && r.mainsLock >= 0.35 && r.runStarts >= 24) {
         d.kind = EmitterKind::MicrowaveOven;
         d.add("mains_lock", r.mainsLock);
         d.add("mains_hz", r.mainsHz);

@@ -79,6 +79,7 @@ private:
     void addSplit(const Activity& a, int lo, int hi, int depth);
     void describe(Region& r, const Activity& a, double nowS, double dwellS, int sweepsInWindow);
     void measureRuns(Region& r, const Activity& a, double nowS, double dwellS, int sweepsInWindow);
+    void measureMainsLock(Region& r, const Activity& a, double nowS, double dwellS);
     bool classify(const Region& r, Detection& d) const;
     bool fitWifi(const Region& r, Detection& d) const;
     void findHoppers(const Activity& a, double nowS, int sweepsInWindow, std::vector<Detection>& out);
