@@ -76,6 +76,13 @@ void Analyzer::look(double now)
         if (t.confirmed)
             m_current.push_back(t.report);
     }
+    // One notification a look, once the snapshots are consistent.
+    if (m_changed) {
+        m_changed = false;
+        ++m_generation;
+        if (m_onChange)
+            m_onChange();
+    }
 }
 
 void Analyzer::merge(const Detection& d, double now)
@@ -173,13 +180,17 @@ void Analyzer::finish()
 {
     endStale(1e300);
     m_current.clear();
+    if (m_changed) {
+        m_changed = false;
+        ++m_generation;
+        if (m_onChange)
+            m_onChange();
+    }
 }
 
 void Analyzer::changed()
 {
-    ++m_generation;
-    if (m_onChange)
-        m_onChange();
+    m_changed = true;
 }
 
 } // namespace wsa

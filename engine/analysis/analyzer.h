@@ -93,6 +93,7 @@ private:
     std::vector<EmitterReport> m_ended;
     std::function<void()> m_onChange;
     std::uint64_t m_generation = 0;
+    bool m_changed = false;
     long m_sweeps = 0;
     long m_refused = 0;
     double m_firstTime = 0;

@@ -179,9 +179,10 @@ void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double d
     while (strongHi > strongLo && a.occupancy(strongHi) < 0.8 * occMax)
         --strongHi;
     const int strongLen = strongHi - strongLo + 1;
+    const double sweepS = dwellS * a.bins();
     long lastFull = -1;
     int full = 0, runs = 0, recent = 0;
-    double runBins = 0;
+    double runBins = 0, firstS = nowS;
     a.forEachSegment(nowS - kWindowS, [&](const Segment& s) {
         const int lo = std::max(s.lo, r.coreLo);
         const int hi = std::min(s.hi, r.coreHi);
@@ -189,6 +190,7 @@ void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double d
             return;
         if (s.timeS >= nowS - kRecentS)
             ++recent;
+        firstS = std::min(firstS, s.timeS);
         const int strong = std::min(s.hi, strongHi) - std::max(s.lo, strongLo) + 1;
         if (strong >= 0.85 * strongLen && s.sweep != lastFull) {
             ++full;
@@ -199,7 +201,10 @@ void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double d
             runBins += hi - lo + 1;
         }
     });
-    r.continuity = sweepsInWindow > 0 ? std::min(1.0, double(full) / sweepsInWindow) : 0;
+    // Out of the sweeps since the emitter was first seen in the window, so one that has just
+    // come on is judged on its own time.
+    const double sweeps = std::min(double(sweepsInWindow), std::round((nowS - firstS) / sweepS) + 1);
+    r.continuity = sweeps > 0 ? std::min(1.0, full / sweeps) : 0;
     r.runMs = runs ? runBins / runs * dwellS * 1e3 : 0;
     r.recentRuns = recent;
     measureMainsLock(r, a, nowS, dwellS);

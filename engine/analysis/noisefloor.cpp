@@ -10,7 +10,7 @@ namespace
 {
 constexpr float kQuantile = 0.1f;
 constexpr float kSlowStep = 0.05f; // dB per sweep once settled
-constexpr float kMargin = 3.0f;    // how far a bin may sit above its neighbourhood's floor
+constexpr float kMargin = 2.0f;    // how far a bin may sit above its neighbourhood's floor
 constexpr int kBlocks = 12;
 // The tracked low quantile lies this far below the median of the averaged detector's noise.
 constexpr float kMedianAboveQuantile = 2.2f;
