@@ -55,15 +55,23 @@ public:
     float recentMax(int i) const { return m_max[std::size_t(i)]; }
 
     // Segments newer than sinceS, oldest first: visit(segment) for each.
+    // (timeS of successive takes must not decrease.)
     template <typename F> void forEachSegment(double sinceS, F visit) const
     {
         const std::size_t cap = m_ring.size();
         const std::size_t count = std::min<std::size_t>(m_ringCount, cap);
-        for (std::size_t k = 0; k < count; ++k) {
-            const Segment& s = m_ring[(m_ringNext + cap - count + k) % cap];
-            if (s.timeS >= sinceS)
-                visit(s);
+        auto at = [&](std::size_t k) -> const Segment& { return m_ring[(m_ringNext + cap - count + k) % cap]; };
+        // Times never decrease along the ring: find the first recent one by bisection.
+        std::size_t lo = 0, hi = count;
+        while (lo < hi) {
+            const std::size_t mid = (lo + hi) / 2;
+            if (at(mid).timeS < sinceS)
+                lo = mid + 1;
+            else
+                hi = mid;
         }
+        for (std::size_t k = lo; k < count; ++k)
+            visit(at(k));
     }
     long sweeps() const { return m_sweep; }
 

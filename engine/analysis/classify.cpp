@@ -207,7 +207,11 @@ void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double d
     r.continuity = sweeps > 0 ? std::min(1.0, full / sweeps) : 0;
     r.runMs = runs ? runBins / runs * dwellS * 1e3 : 0;
     r.recentRuns = recent;
-    measureMainsLock(r, a, nowS, dwellS);
+    // Only a wide emitter at 2.4 GHz could be an oven.
+    r.mainsLock = 0;
+    r.runStarts = 0;
+    if (m_band->id == BandId::Ghz24 && (r.coreHi - r.coreLo + 1) * m_stepMHz >= 10)
+        measureMainsLock(r, a, nowS, dwellS);
 }
 
 void Classifier::measureMainsLock(Region& r, const Activity& a, double nowS, double dwellS)
