@@ -148,7 +148,7 @@ void Analyzer::merge(const Detection& d, double now)
     r.duty += 0.2 * (d.duty - r.duty);
     r.peakDbm = std::max(r.peakDbm, d.peakDbm);
     ++t.hits;
-    if (!t.confirmed && t.hits >= (t.hopper ? kConfirmHits - 1 : kConfirmHits)) {
+    if (!t.confirmed && t.hits >= (t.hopper ? 1 : kConfirmHits)) {
         t.confirmed = true;
         r.id = m_nextId++;
         r.reportedS = now;

@@ -205,4 +205,29 @@ bool Score::report(std::FILE* out) const
     return ok;
 }
 
+bool Score::aboveFloors(std::FILE* out) const
+{
+    bool ok = true;
+    for (EmitterKind k : kTargetKinds) {
+        const KindScore& s = m_kinds[int(k)];
+        if (s.recall() < 0.8 || s.precision() < 0.85 || percentile(s.delays, 0.5) > 2) {
+            std::fprintf(out, "below the floor: %s precision %.1f%% (85%%) recall %.1f%% (80%%) delay %.2f s (2 s)\n",
+                         kindName(k), 100 * s.precision(), 100 * s.recall(), percentile(s.delays, 0.5));
+            ok = false;
+        }
+    }
+    if (falsePerTenMinutes() > 1) {
+        std::fprintf(out, "below the floor: %.2f false emitters per 10 min (1)\n", falsePerTenMinutes());
+        ok = false;
+    }
+    std::vector<double> absErr;
+    for (double e : m_occupancyErrors)
+        absErr.push_back(std::fabs(e));
+    if (percentile(absErr, 0.9) > 0.1) {
+        std::fprintf(out, "below the floor: occupancy error %.3f for 90%% of channels (0.1)\n", percentile(absErr, 0.9));
+        ok = false;
+    }
+    return ok;
+}
+
 } // namespace wsa

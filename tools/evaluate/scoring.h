@@ -43,6 +43,9 @@ public:
 
     // Prints the tables; returns whether every target is met, naming each one missed.
     bool report(std::FILE* out) const;
+    // Whether the figures stay above the floors a change must never push them under (looser
+    // than the targets, so a small sample's chance does not trip them); names each one missed.
+    bool aboveFloors(std::FILE* out) const;
 
     // Rows and columns of the confusion matrix: the kinds, then "none" (a report with no
     // simulated emitter under it) as a row and "missed" as a column.
