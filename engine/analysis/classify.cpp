@@ -286,12 +286,9 @@ bool Classifier::classify(const Region& r, Detection& d) const
     // History fades over seconds; an emitter that has gone quiet is not described by its echo.
     if (r.litPerBin < 1.5 || r.recentRuns == 0)
         return false;
-    const int bins = r.coreHi - r.coreLo + 1;
-    const bool g24 = m_band->id == BandId::Ghz24;
     const double width = (r.coreHi - r.coreLo + 1) * m_stepMHz;
-    const double centre = mhzOf((r.coreLo + r.coreHi) / 2.0);
     d = Detection{};
-    d.centerMHz = centre;
+    d.centerMHz = mhzOf((r.coreLo + r.coreHi) / 2.0);
     d.widthMHz = width;
     d.duty = r.occupancy;
     d.peakDbm = r.peakDbm;
@@ -300,78 +297,111 @@ bool Classifier::classify(const Region& r, Detection& d) const
     d.add("continuity", r.continuity);
     d.add("flatness_db", r.flatness);
     d.add("level_db", r.plateau);
-    const double evidence = 1 - std::exp(-r.litPerBin / 3);
-    double match = 0.7;
+    double match;
     if (width <= std::max(0.6, 2.5 * m_stepMHz) && r.peakOccupancy >= 0.85) {
         d.kind = EmitterKind::Narrowband;
         match = 0.9;
     } else if (r.continuity >= kContinuous) {
-        if (width <= 6) {
-            d.kind = EmitterKind::WirelessAudio;
-        } else if (width >= 8 && width <= 28 && (r.flatness >= 4.5 || r.shoulderDb >= 1.5 || g24)) {
-            // Analog video: a bell with the carrier on top, where a fixed link is flat. Fixed
-            // links are not expected at 2.4 GHz, where weak video shows only its flat-looking top.
-            d.kind = EmitterKind::AvTransmitter;
-            match = clamp01(0.6 + std::max(r.flatness - 4.5, r.shoulderDb - 1.5) / 5);
-            d.add("shoulder_db", r.shoulderDb);
-        } else {
-            d.kind = EmitterKind::FixedWireless;
-        }
-    } else if (width <= 6 && ((r.occupancy < 0.15 && m_hopperSeen) || r.shadowed)) {
-        // A hopper's visits pile up on a few bins now and then; a strong neighbour's skirt
-        // lights bins beside it.
-        return false;
+        match = nameSteady(r, d);
     } else if (width <= 6) {
-        const double zigbee = std::round((centre - 2405) / 5) * 5 + 2405;
-        if (r.occupancy >= 0.7) {
-            d.kind = EmitterKind::WirelessAudio;
-        } else if (g24 && width <= 4.5 && width >= 1.0 && r.occupancy >= 0.1 && std::fabs(centre - zigbee) <= 0.8 && zigbee >= 2405 && zigbee <= 2480) {
-            d.kind = EmitterKind::Zigbee;
-            d.channel = 11 + int(std::lround((zigbee - 2405) / 5));
-            d.centerMHz = zigbee;
-            match = 0.9 - std::fabs(centre - zigbee) / 2;
-        } else if (bins >= 3 && width >= 1.0 && r.litPerBin >= 4 && r.occupancy >= 0.2) {
-            d.kind = EmitterKind::Unknown;
-            match = 0.3;
-        } else {
-            return false; // a few bins lit now and then: the noise's own tail
-        }
-    } else if (width >= 8 && width <= 28 && r.occupancy >= 0.8 && r.flatness >= 4.5) {
+        match = nameNarrow(r, d);
+    } else {
+        match = nameWide(r, d);
+    }
+    if (match < 0)
+        return false;
+    d.confidence = clamp01((1 - std::exp(-r.litPerBin / 3)) * match);
+    return true;
+}
+
+// Names a region lit whole in nearly every sweep; returns how well it fits.
+double Classifier::nameSteady(const Region& r, Detection& d) const
+{
+    const double width = d.widthMHz;
+    if (width <= 6) {
+        d.kind = EmitterKind::WirelessAudio;
+        return 0.7;
+    }
+    if (width >= 8 && width <= 28 && (r.flatness >= 4.5 || r.shoulderDb >= 1.5 || m_band->id == BandId::Ghz24)) {
+        // Analog video: a bell with the carrier on top, where a fixed link is flat. Fixed links
+        // are not expected at 2.4 GHz, where weak video shows only its flat-looking top.
+        d.kind = EmitterKind::AvTransmitter;
+        d.add("shoulder_db", r.shoulderDb);
+        return clamp01(0.6 + std::max(r.flatness - 4.5, r.shoulderDb - 1.5) / 5);
+    }
+    d.kind = EmitterKind::FixedWireless;
+    return 0.7;
+}
+
+// Names a narrow bursty region; negative when it is better not named at all.
+double Classifier::nameNarrow(const Region& r, Detection& d) const
+{
+    // A hopper's visits pile up on a few bins now and then; a strong neighbour's skirt lights
+    // bins beside it.
+    if ((r.occupancy < 0.15 && m_hopperSeen) || r.shadowed)
+        return -1;
+    if (r.occupancy >= 0.7) {
+        d.kind = EmitterKind::WirelessAudio;
+        return 0.7;
+    }
+    const double width = d.widthMHz;
+    const double centre = d.centerMHz;
+    const double zigbee = std::round((centre - 2405) / 5) * 5 + 2405;
+    if (m_band->id == BandId::Ghz24 && width >= 1.0 && width <= 4.5 && r.occupancy >= 0.1 &&
+        std::fabs(centre - zigbee) <= 0.8 && zigbee >= 2405 && zigbee <= 2480) {
+        d.kind = EmitterKind::Zigbee;
+        d.channel = 11 + int(std::lround((zigbee - 2405) / 5));
+        d.centerMHz = zigbee;
+        return 0.9 - std::fabs(centre - zigbee) / 2;
+    }
+    if (r.coreHi - r.coreLo >= 2 && width >= 1.0 && r.litPerBin >= 4 && r.occupancy >= 0.2) {
+        d.kind = EmitterKind::Unknown;
+        return 0.3;
+    }
+    return -1; // a few bins lit now and then: the noise's own tail
+}
+
+// Names a wide bursty region; negative when it is better not named at all.
+double Classifier::nameWide(const Region& r, Detection& d) const
+{
+    const double width = d.widthMHz;
+    const bool g24 = m_band->id == BandId::Ghz24;
+    if (width >= 8 && width <= 28 && r.occupancy >= 0.8 && r.flatness >= 4.5) {
         // Continuous but for dips of its picture content or a skirt now and then.
         d.kind = EmitterKind::AvTransmitter;
-        match = 0.6;
-    } else if (g24 && width >= 10 && r.mainsLock >= 0.35 && r.runStarts >= 24) {
+        return 0.6;
+    }
+    if (g24 && width >= 10 && r.mainsLock >= 0.35 && r.runStarts >= 24) {
         d.kind = EmitterKind::MicrowaveOven;
         d.add("mains_lock", r.mainsLock);
         d.add("mains_hz", r.mainsHz);
-        match = clamp01(r.mainsLock + 0.1);
-    } else {
-        const double dsssCentre = std::round((centre - 2407) / 5) * 5 + 2407;
-        const bool dsssPlace = g24 && std::fabs(centre - dsssCentre) <= 1.5 && width >= 6 && width <= 26;
-        Detection w = d;
-        const bool wifi = fitWifi(r, w);
-        if (dsssPlace && (r.shoulderDb >= 2.5 || !wifi)) {
-            d.kind = EmitterKind::WifiDsss;
-            d.centerMHz = dsssCentre;
-            d.widthMHz = 22;
-            d.add("shoulder_db", r.shoulderDb);
-            d.add("mains_lock", r.mainsLock);
-            match = clamp01(0.5 + r.shoulderDb / 10);
-        } else if (wifi && r.edgeRatio >= 0.6) {
-            d = w;
-            match = w.confidence * clamp01(r.edgeRatio);
-            d.add("edge_ratio", r.edgeRatio);
-        } else if (r.occupancy >= 0.1 && r.litPerBin >= 3) {
-            d.kind = EmitterKind::Unknown;
-            match = 0.3;
-            d.add("run_ms", r.runMs);
-            d.add("mains_lock", r.mainsLock);
-        } else {
-            return false; // skirts of a strong neighbour, lit now and then
-        }
+        return clamp01(r.mainsLock + 0.1);
     }
-    d.confidence = clamp01(evidence * match);
-    return true;
+    const double dsss = std::round((d.centerMHz - 2407) / 5) * 5 + 2407;
+    const bool dsssPlace = g24 && std::fabs(d.centerMHz - dsss) <= 1.5 && dsss >= 2412 && dsss <= 2472 &&
+                           width >= 6 && width <= 26;
+    Detection w = d;
+    const bool wifi = fitWifi(r, w);
+    if (dsssPlace && (r.shoulderDb >= 2.5 || !wifi)) {
+        d.kind = EmitterKind::WifiDsss;
+        d.centerMHz = dsss;
+        d.widthMHz = 22;
+        d.add("shoulder_db", r.shoulderDb);
+        d.add("mains_lock", r.mainsLock);
+        return clamp01(0.5 + r.shoulderDb / 10);
+    }
+    if (wifi && r.edgeRatio >= 0.6) {
+        d = w;
+        d.add("edge_ratio", r.edgeRatio);
+        return w.confidence * clamp01(r.edgeRatio);
+    }
+    if (r.occupancy >= 0.1 && r.litPerBin >= 3) {
+        d.kind = EmitterKind::Unknown;
+        d.add("run_ms", r.runMs);
+        d.add("mains_lock", r.mainsLock);
+        return 0.3;
+    }
+    return -1; // skirts of a strong neighbour, lit now and then
 }
 
 void Classifier::findHoppers(const Activity& a, double nowS, int sweepsInWindow, std::vector<Detection>& out)

@@ -81,6 +81,9 @@ private:
     void measureRuns(Region& r, const Activity& a, double nowS, double dwellS, int sweepsInWindow);
     void measureMainsLock(Region& r, const Activity& a, double nowS, double dwellS);
     bool classify(const Region& r, Detection& d) const;
+    double nameSteady(const Region& r, Detection& d) const;
+    double nameNarrow(const Region& r, Detection& d) const;
+    double nameWide(const Region& r, Detection& d) const;
     bool fitWifi(const Region& r, Detection& d) const;
     void findHoppers(const Activity& a, double nowS, int sweepsInWindow, std::vector<Detection>& out);
     double mhzOf(double bin) const;
