@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "jsonl.h"
+#include "textreport.h"
 #include "world.h"
 
 namespace
@@ -85,6 +86,34 @@ private slots:
         QCOMPARE(sum["sweeps"].toInt(), 100);
         QCOMPARE(sum["seconds"].toDouble(), 5.0);
         QVERIFY(std::fabs(sum["noise_floor_dbm"].toDouble() + 95) < 2);
+    }
+
+    void textReportForPeople()
+    {
+        const wsa::Band& band = *wsa::findBand("5g");
+        wsa::Analyzer analyzer(band);
+        const QString empty = QString::fromStdString(wsa::textReport(analyzer));
+        QVERIFY(empty.startsWith("5 GHz band: 0 sweeps"));
+        QVERIFY(empty.endsWith("no emitters\n"));
+        wsa::TruthEmitter link;
+        link.kind = wsa::EmitterKind::FixedWireless;
+        link.centerMHz = 5300;
+        link.widthMHz = 20;
+        link.stopS = 3;
+        link.levelDbm = -70;
+        wsa::World world(band, 9, {link});
+        std::vector<float> s(std::size_t(world.bins()));
+        for (int k = 0; k < 120; ++k) {
+            world.sweep(k * 0.05, s.data());
+            analyzer.take(s.data(), world.bins(), k * 0.05);
+        }
+        const QStringList lines = QString::fromStdString(wsa::textReport(analyzer)).split('\n', Qt::SkipEmptyParts);
+        const int channels = int(analyzer.channels(20).size());
+        QCOMPARE(lines.size(), 2 + channels + 2);
+        QVERIFY(lines[2].trimmed().startsWith("36 "));
+        QVERIFY(lines[2 + channels].startsWith("emitters"));
+        QVERIFY(lines.last().startsWith("fixed-wireless"));
+        QVERIFY(lines.last().contains("continuity"));
     }
 
     void numbersJsonCannotHoldBecomeNull()

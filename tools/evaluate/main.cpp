@@ -13,6 +13,7 @@
 #include "analyzer.h"
 #include "scenario.h"
 #include "scoring.h"
+#include "textreport.h"
 #include "world.h"
 
 namespace
@@ -65,6 +66,8 @@ void runOne(wsa::Score& score, const wsa::Band& band, std::uint64_t seed,
         analyzer.take(sweep.data(), world.bins(), t);
     }
     analyzer.finish();
+    if (always)
+        std::printf("%s\n", wsa::textReport(analyzer).c_str());
     const std::vector<wsa::EmitterReport>& reports = analyzer.ended();
     const wsa::Score before = score;
     score.add(band, truth, reports, analyzer.channels(20), seconds, clean);
