@@ -1,0 +1,22 @@
+// The analysis as JSON Lines: one "channel" line per 20 MHz channel of the band, one "emitter"
+// line per emitter (ended ones first, in the order they ended), and a closing "summary".
+#ifndef ANALYSIS_JSONL_H
+#define ANALYSIS_JSONL_H
+
+#include <string>
+
+#include "analyzer.h"
+
+namespace wsa
+{
+
+std::string channelJson(const Band& band, const ChannelReport& channel);
+std::string emitterJson(const EmitterReport& emitter);
+std::string summaryJson(long sweeps, double seconds, double noiseFloorDbm);
+
+// All the lines, each ending in a newline.
+std::string analysisJsonLines(const Analyzer& analyzer);
+
+} // namespace wsa
+
+#endif
