@@ -1,0 +1,145 @@
+#include "instrumentwindow.h"
+
+#include <QAction>
+#include <QDockWidget>
+#include <QScrollArea>
+#include <QSplitter>
+
+#include "densityview.h"
+#include "markers.h"
+#include "markertable.h"
+#include "spectrumview.h"
+#include "sweepfeed.h"
+#include "waterfallview.h"
+
+namespace wsa::desktop
+{
+
+InstrumentWindow::InstrumentWindow(SweepFeed* feed, QWidget* parent)
+    : QMainWindow(parent), m_feed(feed), m_markers(new Markers(this))
+{
+    setWindowTitle(tr("Wi-Fi Spectrum Analyzer"));
+    m_views = new QSplitter(Qt::Vertical);
+    m_spectrum = new SpectrumView(feed, m_markers);
+    m_density = new DensityView(feed);
+    m_waterfall = new WaterfallView(feed);
+    for (QWidget* v : {static_cast<QWidget*>(m_spectrum), static_cast<QWidget*>(m_density),
+                       static_cast<QWidget*>(m_waterfall)})
+        m_views->addWidget(v);
+    m_views->setStretchFactor(0, 3);
+    m_views->setStretchFactor(1, 2);
+    m_views->setStretchFactor(2, 2);
+    m_views->setChildrenCollapsible(false);
+    setCentralWidget(m_views);
+
+    m_controls = new ControlPanel;
+    auto* scroll = new QScrollArea;
+    scroll->setWidget(m_controls);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    auto* controlDock = new QDockWidget(tr("Controls"));
+    controlDock->setObjectName(QStringLiteral("controls"));
+    controlDock->setWidget(scroll);
+    controlDock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
+    addDockWidget(Qt::RightDockWidgetArea, controlDock);
+
+    m_table = new MarkerTable(feed, m_markers);
+    auto* tableDock = new QDockWidget(tr("Markers"));
+    tableDock->setObjectName(QStringLiteral("markers"));
+    tableDock->setWidget(m_table);
+    tableDock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
+    addDockWidget(Qt::BottomDockWidgetArea, tableDock);
+
+    connectControls();
+    createActions();
+    onShownReset();
+    resize(1280, 800);
+}
+
+void InstrumentWindow::connectControls()
+{
+    connect(m_feed, &SweepFeed::shownReset, this, &InstrumentWindow::onShownReset);
+    connect(m_controls, &ControlPanel::settingsChanged, this, &InstrumentWindow::setSettings);
+    connect(m_controls, &ControlPanel::viewModeChanged, this, &InstrumentWindow::setViewMode);
+    connect(m_controls, &ControlPanel::pauseToggled, this, &InstrumentWindow::setPaused);
+    connect(m_controls, &ControlPanel::averagingChanged, m_feed, &SweepFeed::setAveragingLength);
+    connect(m_controls, &ControlPanel::resetHolds, m_feed, &SweepFeed::resetHolds);
+    connect(m_controls, &ControlPanel::resetDensity, m_feed, &SweepFeed::resetDensity);
+    connect(m_controls, &ControlPanel::activeMarkerChanged, m_markers, &Markers::setActive);
+    connect(m_controls, &ControlPanel::markerTraceChanged, this,
+            [this](Trace t) { m_markers->setTrace(m_markers->active(), t); });
+    auto search = [this](bool (Markers::*find)(int, const SweepModel&)) {
+        return [this, find] { (m_markers->*find)(m_markers->active(), m_feed->shown()); };
+    };
+    connect(m_controls, &ControlPanel::peakSearch, this, search(&Markers::toHighest));
+    connect(m_controls, &ControlPanel::nextPeakLeft, this, search(&Markers::toNextLeft));
+    connect(m_controls, &ControlPanel::nextPeakRight, this, search(&Markers::toNextRight));
+    connect(m_controls, &ControlPanel::markerOff, this,
+            [this] { m_markers->setOn(m_markers->active(), false); });
+    connect(m_markers, &Markers::changed, this, &InstrumentWindow::syncMarkerControls);
+}
+
+void InstrumentWindow::createActions()
+{
+    auto* pause = new QAction(tr("Pause"), this);
+    pause->setShortcut(Qt::Key_Space);
+    pause->setCheckable(true);
+    connect(pause, &QAction::toggled, this, &InstrumentWindow::setPaused);
+    connect(m_controls, &ControlPanel::pauseToggled, pause, &QAction::setChecked);
+    addAction(pause);
+    auto* peak = new QAction(tr("Peak search"), this);
+    peak->setShortcut(Qt::Key_P);
+    connect(peak, &QAction::triggered, m_controls, &ControlPanel::peakSearch);
+    addAction(peak);
+    auto* full = new QAction(tr("Full screen"), this);
+    full->setShortcut(Qt::Key_F11);
+    connect(full, &QAction::triggered, this,
+            [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
+    addAction(full);
+    auto* quit = new QAction(tr("Quit"), this);
+    quit->setShortcut(QKeySequence::Quit);
+    connect(quit, &QAction::triggered, this, &QWidget::close);
+    addAction(quit);
+}
+
+void InstrumentWindow::onShownReset()
+{
+    const Band& band = m_feed->shown().band();
+    if (&band == m_band)
+        return;
+    // Another band: its channel widths, and markers that no longer point into it go.
+    m_band = &band;
+    m_controls->setBand(band);
+    m_markers->clear();
+}
+
+void InstrumentWindow::setSettings(const DisplaySettings& s)
+{
+    m_settings = s;
+    m_controls->setSettings(s);
+    for (PlotView* v : {static_cast<PlotView*>(m_spectrum), static_cast<PlotView*>(m_density),
+                        static_cast<PlotView*>(m_waterfall)})
+        v->setSettings(s);
+    m_table->setChannelWidth(s.channelWidthMHz);
+}
+
+void InstrumentWindow::setViewMode(ViewMode mode)
+{
+    m_spectrum->setVisible(mode == ViewMode::All || mode == ViewMode::Spectrum);
+    m_density->setVisible(mode == ViewMode::All || mode == ViewMode::Density);
+    m_waterfall->setVisible(mode == ViewMode::All || mode == ViewMode::Waterfall);
+}
+
+void InstrumentWindow::setPaused(bool paused)
+{
+    m_feed->setPaused(paused);
+    m_controls->setPaused(paused);
+}
+
+void InstrumentWindow::syncMarkerControls()
+{
+    const int active = m_markers->active();
+    m_controls->setActiveMarker(active, m_markers->marker(active).trace);
+}
+
+} // namespace wsa::desktop

@@ -1,0 +1,197 @@
+#include "plotview.h"
+
+#include <QEvent>
+#include <QPainter>
+
+#include "colormap.h"
+#include "sweepfeed.h"
+
+namespace wsa::desktop
+{
+
+PlotView::PlotView(SweepFeed* feed, QWidget* parent) : QWidget(parent), m_feed(feed)
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setFocusPolicy(Qt::StrongFocus);
+    connect(feed, &SweepFeed::sweepShown, this, &PlotView::onSweepShown);
+    connect(feed, &SweepFeed::shownReset, this, &PlotView::onShownReset);
+}
+
+const SweepModel& PlotView::model() const
+{
+    return m_feed->shown();
+}
+
+void PlotView::setSettings(const DisplaySettings& settings)
+{
+    if (settings == m_settings)
+        return;
+    m_settings = settings;
+    update();
+}
+
+PlotLayout PlotView::plotLayout() const
+{
+    return desktop::plotLayout(QSizeF(size()), QFontMetricsF(font()));
+}
+
+Axis PlotView::axis() const
+{
+    const PlotLayout l = plotLayout();
+    return model().grid().axis(l.plot.left(), l.plot.width());
+}
+
+void PlotView::onSweepShown()
+{
+    // A layer built for another band or layout is rebuilt at the next paint instead.
+    if (m_dataValid && m_key.band == &model().band() && m_key.size == size())
+        appendSweep();
+    else
+        m_dataValid = false;
+    update(plotLayout().plot.toAlignedRect());
+}
+
+void PlotView::onShownReset()
+{
+    m_dataValid = false;
+    update();
+}
+
+void PlotView::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        m_frameKey = {};
+    QWidget::changeEvent(event);
+}
+
+void PlotView::paintEvent(QPaintEvent*)
+{
+    QPainter p(this);
+    const qreal dpr = p.device()->devicePixelRatioF();
+    const PlotLayout l = plotLayout();
+    const Key key{size(), dpr, &model().band(), m_settings};
+    if (!(key == m_frameKey)) {
+        buildFrame(l, dpr);
+        m_frameKey = key;
+    }
+    if (!m_dataValid || !(key == m_key)) {
+        m_key = key;
+        rebuildData(l, dpr);
+        m_dataValid = true;
+    }
+    p.drawImage(QPointF(0, 0), m_frame);
+    p.save();
+    p.setClipRect(l.plot);
+    paintData(p, l);
+    if (gridOverData()) {
+        p.setPen(QPen(colors::grid(), 0));
+        p.drawLines(m_gridLines);
+        p.setPen(QPen(colors::channel(), 0, Qt::DashLine));
+        p.drawLines(m_channelLines);
+    }
+    p.restore();
+    paintForeground(p, l);
+}
+
+void PlotView::buildOverlayLines(const PlotLayout& l, const Axis& a)
+{
+    const QRectF& r = l.plot;
+    const QFontMetricsF fm(font());
+    m_gridLines.clear();
+    for (const Tick& t : frequencyTicks(a, fm.horizontalAdvance(QStringLiteral("0000.0")) + 24))
+        m_gridLines.append(QLineF(t.pos, r.top(), t.pos, r.bottom()));
+    for (const Tick& t : levelTicks(r, m_settings.bottomDbm, m_settings.topDbm, fm.height() * 2))
+        m_gridLines.append(QLineF(r.left(), t.pos, r.right(), t.pos));
+    m_channelLines.clear();
+    const std::vector<Channel> plan = model().band().channels(m_settings.channelWidthMHz);
+    if (!m_settings.showChannels || !channelsDisjoint(plan))
+        return;
+    for (const ChannelMark& m :
+         channelMarks(model().band(), m_settings.channelWidthMHz, a, l.channelLabels, fm)) {
+        m_channelLines.append(QLineF(m.lowX, r.top(), m.lowX, r.bottom()));
+        m_channelLines.append(QLineF(m.highX, r.top(), m.highX, r.bottom()));
+    }
+}
+
+void PlotView::buildFrame(const PlotLayout& l, qreal dpr)
+{
+    m_frame = QImage((QSizeF(size()) * dpr).toSize(), QImage::Format_RGB32);
+    m_frame.setDevicePixelRatio(dpr);
+    m_frame.fill(colors::window());
+    const Axis a = model().grid().axis(l.plot.left(), l.plot.width());
+    buildOverlayLines(l, a);
+
+    QPainter p(&m_frame);
+    p.setRenderHint(QPainter::TextAntialiasing);
+    p.setFont(font());
+    p.fillRect(l.plot, colors::plot());
+    if (!gridOverData()) {
+        p.setPen(QPen(colors::grid(), 0));
+        p.drawLines(m_gridLines);
+        p.setPen(QPen(colors::channel(), 0, Qt::DashLine));
+        p.drawLines(m_channelLines);
+    }
+    p.setPen(QPen(colors::frame(), 0));
+    p.drawRect(l.plot.adjusted(-0.5, -0.5, 0.5, 0.5));
+    paintLevelAxis(p, l);
+    paintFrequencyAxis(p, l, a);
+    paintLegend(p, l.legend);
+}
+
+void PlotView::paintLevelAxis(QPainter& p, const PlotLayout& l)
+{
+    const QFontMetricsF fm(p.font());
+    p.setPen(colors::text());
+    for (const Tick& t :
+         levelTicks(l.plot, m_settings.bottomDbm, m_settings.topDbm, fm.height() * 2)) {
+        const QRectF r(l.levelLabels.left(), t.pos - fm.height() / 2, l.levelLabels.width(),
+                       fm.height());
+        p.drawText(r, Qt::AlignRight | Qt::AlignVCenter, t.label);
+    }
+    p.setPen(colors::dimText());
+    p.drawText(QRectF(4, 0, l.plot.left() + 40, fm.height() + 2), Qt::AlignLeft | Qt::AlignVCenter,
+               tr("dBm"));
+}
+
+void PlotView::paintFrequencyAxis(QPainter& p, const PlotLayout& l, const Axis& a)
+{
+    const QFontMetricsF fm(p.font());
+    const QRectF& row = l.frequencyLabels;
+    p.setPen(QPen(colors::frame(), 0));
+    const auto ticks = frequencyTicks(a, fm.horizontalAdvance(QStringLiteral("0000.0")) + 24);
+    for (const Tick& t : ticks)
+        p.drawLine(QPointF(t.pos, l.plot.bottom()), QPointF(t.pos, l.plot.bottom() + 3));
+    p.setPen(colors::text());
+    for (const Tick& t : ticks) {
+        const double w = fm.horizontalAdvance(t.label);
+        const double x = std::clamp(t.pos - w / 2, row.left() - 4, row.right() - w + 4);
+        p.drawText(QRectF(x, row.top(), w, row.height()), Qt::AlignCenter, t.label);
+    }
+    p.setPen(colors::dimText());
+    const QRectF corner(0, row.top(), l.levelLabels.right(), row.height());
+    p.drawText(corner, Qt::AlignRight | Qt::AlignVCenter, tr("MHz"));
+    if (!m_settings.showChannels)
+        return;
+    const QRectF chRow = l.channelLabels;
+    p.drawText(QRectF(0, chRow.top(), l.levelLabels.right(), chRow.height()),
+               Qt::AlignRight | Qt::AlignVCenter, tr("Ch"));
+    const std::vector<Channel> plan = model().band().channels(m_settings.channelWidthMHz);
+    const bool disjoint = channelsDisjoint(plan);
+    const auto marks = channelMarks(model().band(), m_settings.channelWidthMHz, a, chRow, fm);
+    int shade = 0;
+    for (const ChannelMark& m : marks) {
+        if (disjoint && (shade++ % 2) == 0)
+            p.fillRect(QRectF(m.lowX, chRow.top(), m.highX - m.lowX, chRow.height()),
+                       QColor(0x22, 0x2a, 0x34));
+    }
+    for (const ChannelMark& m : marks) {
+        p.setPen(QPen(colors::channel(), 0));
+        p.drawLine(QPointF(m.centerX, chRow.top() - 2), QPointF(m.centerX, chRow.top()));
+        if (!m.labelled)
+            continue;
+        p.setPen(colors::text());
+        p.drawText(m.labelRect, Qt::AlignCenter, QString::number(m.number));
+    }
+}
+
+} // namespace wsa::desktop
