@@ -55,7 +55,7 @@ bool SweepStore::addSweep(const float* dbm, int count, std::int64_t timeMs)
             max[i] = std::max(max[i], v);
             min[i] = std::min(min[i], v);
         }
-        const int r = int(std::clamp(std::floor(kDensityTopDbm - double(v)), 0.0, rows - 1.0));
+        const int r = int(std::clamp(std::ceil(kDensityTopDbm - double(v)) - 1, 0.0, rows - 1.0));
         ++m_density[std::size_t(r) * std::size_t(bins) + std::size_t(i)];
     }
     ++m_sweeps;
