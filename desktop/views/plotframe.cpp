@@ -15,17 +15,18 @@ bool DisplaySettings::operator==(const DisplaySettings& o) const
 
 PlotLayout plotLayout(const QSizeF& size, const QFontMetricsF& fm)
 {
-    const double line = fm.height();
-    const double left = fm.horizontalAdvance(QStringLiteral("-100 ")) + 10;
+    // Whole logical pixels, so that the plot's edges fall on device pixels at any ratio.
+    const double line = std::ceil(fm.height());
+    const double left = std::ceil(fm.horizontalAdvance(QStringLiteral("-100 "))) + 10;
     // Room for the legend's longest words, and a line above the plot for the unit titles.
-    const double right =
-        std::max(fm.horizontalAdvance(QStringLiteral("Maximum")), fm.horizontalAdvance("-120 ")) +
-        30;
+    const double right = std::ceil(std::max(fm.horizontalAdvance(QStringLiteral("Maximum")),
+                                            fm.horizontalAdvance(QStringLiteral("-120 ")))) +
+                         30;
     const double top = line + 4;
     const double bottom = 2 * line + 8;
     PlotLayout l;
-    l.plot = QRectF(left, top, std::max(1.0, size.width() - left - right),
-                    std::max(1.0, size.height() - top - bottom));
+    l.plot = QRectF(left, top, std::max(1.0, std::floor(size.width() - left - right)),
+                    std::max(1.0, std::floor(size.height() - top - bottom)));
     l.frequencyLabels = QRectF(l.plot.left(), l.plot.bottom() + 3, l.plot.width(), line);
     l.channelLabels = QRectF(l.plot.left(), l.frequencyLabels.bottom() + 2, l.plot.width(), line);
     l.levelLabels = QRectF(0, l.plot.top(), left - 6, l.plot.height());
@@ -57,6 +58,11 @@ QString mhzText(double hz)
 }
 
 } // namespace
+
+double frequencyTickGap(const QFontMetricsF& fm)
+{
+    return fm.horizontalAdvance(QStringLiteral("0000.0")) + 24;
+}
 
 std::vector<Tick> frequencyTicks(const Axis& axis, double minGapPx)
 {

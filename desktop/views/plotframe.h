@@ -42,6 +42,8 @@ struct Tick {
     QString label;
 };
 
+// The least distance between frequency labels in this font.
+double frequencyTickGap(const QFontMetricsF& fm);
 // Round-numbered frequency ticks (1, 2 or 5 times a power of ten MHz) at least minGapPx apart.
 std::vector<Tick> frequencyTicks(const Axis& axis, double minGapPx);
 // Level ticks every 1, 2, 5, 10 or 20 dB, at least minGapPx apart, y growing downwards.

@@ -1,6 +1,7 @@
 #include "plotview.h"
 
 #include <QEvent>
+#include <QPaintEngine>
 #include <QPainter>
 
 #include "colormap.h"
@@ -67,7 +68,10 @@ void PlotView::changeEvent(QEvent* event)
 void PlotView::paintEvent(QPaintEvent*)
 {
     QPainter p(this);
-    const qreal dpr = p.device()->devicePixelRatioF();
+    // The ratio of what is painted on: the screen's, or a rendering target's (which the
+    // widget's own devicePixelRatio does not know about).
+    const QPaintDevice* target = p.paintEngine() ? p.paintEngine()->paintDevice() : p.device();
+    const qreal dpr = target ? target->devicePixelRatioF() : devicePixelRatioF();
     const PlotLayout l = plotLayout();
     const Key key{size(), dpr, &model().band(), m_settings};
     if (!(key == m_frameKey)) {
@@ -98,9 +102,12 @@ void PlotView::buildOverlayLines(const PlotLayout& l, const Axis& a)
     const QRectF& r = l.plot;
     const QFontMetricsF fm(font());
     m_gridLines.clear();
-    for (const Tick& t : frequencyTicks(a, fm.horizontalAdvance(QStringLiteral("0000.0")) + 24))
+    for (const Tick& t : frequencyTicks(a, frequencyTickGap(fm)))
         m_gridLines.append(QLineF(t.pos, r.top(), t.pos, r.bottom()));
-    for (const Tick& t : levelTicks(r, m_settings.bottomDbm, m_settings.topDbm, fm.height() * 2))
+    const auto rows = levelGrid()
+                          ? levelTicks(r, m_settings.bottomDbm, m_settings.topDbm, fm.height() * 2)
+                          : std::vector<Tick>();
+    for (const Tick& t : rows)
         m_gridLines.append(QLineF(r.left(), t.pos, r.right(), t.pos));
     m_channelLines.clear();
     const std::vector<Channel> plan = model().band().channels(m_settings.channelWidthMHz);
@@ -158,7 +165,7 @@ void PlotView::paintFrequencyAxis(QPainter& p, const PlotLayout& l, const Axis& 
     const QFontMetricsF fm(p.font());
     const QRectF& row = l.frequencyLabels;
     p.setPen(QPen(colors::frame(), 0));
-    const auto ticks = frequencyTicks(a, fm.horizontalAdvance(QStringLiteral("0000.0")) + 24);
+    const auto ticks = frequencyTicks(a, frequencyTickGap(fm));
     for (const Tick& t : ticks)
         p.drawLine(QPointF(t.pos, l.plot.bottom()), QPointF(t.pos, l.plot.bottom() + 3));
     p.setPen(colors::text());

@@ -41,6 +41,8 @@ protected:
     virtual void paintLegend(QPainter& p, const QRectF& legend) = 0;
     // The grid goes under the data unless the data is an opaque picture.
     virtual bool gridOverData() const { return true; }
+    // Whether the vertical axis is levels, with a grid line per level tick.
+    virtual bool levelGrid() const { return true; }
     // Rebuild the data layer from the model for this layout and device pixel ratio.
     virtual void rebuildData(const PlotLayout& l, qreal dpr) = 0;
     // One more sweep is in the model; the layer was built for the current layout.

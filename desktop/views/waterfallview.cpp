@@ -34,7 +34,7 @@ void WaterfallView::rebuildData(const PlotLayout& l, qreal dpr)
     }
     const int rows = std::min(model().historyRows(), px.height());
     for (int age = rows - 1; age >= 0; --age) {
-        m_head = (m_head + 1) % px.height();
+        m_head = (m_head - 1 + px.height()) % px.height();
         writeRow(m_head, model().historyRow(age));
     }
 }
@@ -43,7 +43,7 @@ void WaterfallView::appendSweep()
 {
     if (m_ring.isNull())
         return;
-    m_head = (m_head + 1) % m_ring.height();
+    m_head = (m_head - 1 + m_ring.height()) % m_ring.height();
     writeRow(m_head, model().historyRow(0));
 }
 
@@ -71,7 +71,8 @@ void WaterfallView::paintData(QPainter& p, const PlotLayout& l)
 {
     if (m_ring.isNull())
         return;
-    // Newest row (the head) at the top, then older rows downwards, wrapping round the ring.
+    // Each sweep moves the head up a row, so older rows follow below it: blit head..end, then
+    // the rows that wrapped round to the start of the ring.
     const qreal dpr = m_ring.devicePixelRatio();
     const int h = m_ring.height();
     const int upper = h - m_head;

@@ -19,6 +19,7 @@ public:
 protected:
     void paintLevelAxis(QPainter& p, const PlotLayout& l) override;
     void paintLegend(QPainter& p, const QRectF& legend) override;
+    bool levelGrid() const override { return false; }
     void rebuildData(const PlotLayout& l, qreal dpr) override;
     void appendSweep() override;
     void paintData(QPainter& p, const PlotLayout& l) override;
