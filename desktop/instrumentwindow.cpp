@@ -51,7 +51,8 @@ InstrumentWindow::InstrumentWindow(SweepFeed* feed, QWidget* parent)
     addDockWidget(Qt::BottomDockWidgetArea, tableDock);
 
     connectControls();
-    createActions();
+    createMenus();
+    createStatusBar();
     onShownReset();
     resize(1280, 800);
 }
@@ -68,38 +69,15 @@ void InstrumentWindow::connectControls()
     connect(m_controls, &ControlPanel::activeMarkerChanged, m_markers, &Markers::setActive);
     connect(m_controls, &ControlPanel::markerTraceChanged, this,
             [this](Trace t) { m_markers->setTrace(m_markers->active(), t); });
-    auto search = [this](bool (Markers::*find)(int, const SweepModel&)) {
-        return [this, find] { (m_markers->*find)(m_markers->active(), m_feed->shown()); };
-    };
-    connect(m_controls, &ControlPanel::peakSearch, this, search(&Markers::toHighest));
-    connect(m_controls, &ControlPanel::nextPeakLeft, this, search(&Markers::toNextLeft));
-    connect(m_controls, &ControlPanel::nextPeakRight, this, search(&Markers::toNextRight));
+    connect(m_controls, &ControlPanel::peakSearch, this,
+            [this] { m_markers->toHighest(m_markers->active(), m_feed->shown()); });
+    connect(m_controls, &ControlPanel::nextPeakLeft, this,
+            [this] { m_markers->toNextLeft(m_markers->active(), m_feed->shown()); });
+    connect(m_controls, &ControlPanel::nextPeakRight, this,
+            [this] { m_markers->toNextRight(m_markers->active(), m_feed->shown()); });
     connect(m_controls, &ControlPanel::markerOff, this,
             [this] { m_markers->setOn(m_markers->active(), false); });
     connect(m_markers, &Markers::changed, this, &InstrumentWindow::syncMarkerControls);
-}
-
-void InstrumentWindow::createActions()
-{
-    auto* pause = new QAction(tr("Pause"), this);
-    pause->setShortcut(Qt::Key_Space);
-    pause->setCheckable(true);
-    connect(pause, &QAction::toggled, this, &InstrumentWindow::setPaused);
-    connect(m_controls, &ControlPanel::pauseToggled, pause, &QAction::setChecked);
-    addAction(pause);
-    auto* peak = new QAction(tr("Peak search"), this);
-    peak->setShortcut(Qt::Key_P);
-    connect(peak, &QAction::triggered, m_controls, &ControlPanel::peakSearch);
-    addAction(peak);
-    auto* full = new QAction(tr("Full screen"), this);
-    full->setShortcut(Qt::Key_F11);
-    connect(full, &QAction::triggered, this,
-            [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
-    addAction(full);
-    auto* quit = new QAction(tr("Quit"), this);
-    quit->setShortcut(QKeySequence::Quit);
-    connect(quit, &QAction::triggered, this, &QWidget::close);
-    addAction(quit);
 }
 
 void InstrumentWindow::onShownReset()

@@ -9,6 +9,10 @@
 #include "controlpanel.h"
 #include "plotframe.h"
 
+class QLabel;
+class QTimer;
+class QMenu;
+class QSettings;
 class QSplitter;
 
 namespace wsa::desktop
@@ -35,6 +39,14 @@ public:
     MarkerTable* markerTable() const { return m_table; }
     const DisplaySettings& settings() const { return m_settings; }
 
+    // The picture of the views as shown, and the shown traces as CSV; false and a message
+    // naming the file and the cause when the file cannot be written.
+    bool exportPicture(const QString& path, QString* error);
+    bool exportTraces(const QString& path, QString* error);
+    // Window layout, display settings, averaging and view mode, kept between runs.
+    void saveSettings(QSettings& settings) const;
+    void restoreSettings(QSettings& settings);
+
 public slots:
     void setSettings(const wsa::desktop::DisplaySettings& s);
     void setViewMode(wsa::desktop::ViewMode mode);
@@ -42,7 +54,14 @@ public slots:
 
 private:
     void connectControls();
-    void createActions();
+    void createMenus();
+    QMenu* createFileMenu();
+    QMenu* createViewMenu();
+    QMenu* createMeasureMenu();
+    void createStatusBar();
+    void updateStatus();
+    void askAndExport(bool picture);
+    void showError(const QString& text);
     void onShownReset();
     void syncMarkerControls();
 
@@ -56,6 +75,12 @@ private:
     MarkerTable* m_table;
     DisplaySettings m_settings;
     const Band* m_band = nullptr;
+    QLabel* m_bandLabel = nullptr;
+    QLabel* m_countLabel = nullptr;
+    QLabel* m_pausedLabel = nullptr;
+    QTimer* m_statusTimer = nullptr;
+    quint64 m_lastCount = 0;
+    qint64 m_lastCountMs = 0;
 };
 
 } // namespace wsa::desktop

@@ -171,8 +171,8 @@ DisplaySettings ControlPanel::settings() const
     for (int t = 0; t < kTraceCount; ++t)
         s.traceShown[t] = m_traces[t]->isChecked();
     // A range the wrong way round or empty is taken as its nearest sensible one.
-    s.topDbm = std::max(m_top->value(), m_bottom->value() + 1);
-    s.bottomDbm = std::min(m_bottom->value(), s.topDbm - 1);
+    s.bottomDbm = std::min(m_bottom->value(), SweepStore::kDensityTopDbm - 1.0);
+    s.topDbm = std::max(m_top->value(), s.bottomDbm + 1);
     s.showChannels = m_channels->isChecked();
     s.channelWidthMHz = m_width->currentData().isValid() ? m_width->currentData().toInt() : 20;
     return s;
@@ -187,6 +187,26 @@ void ControlPanel::emitSettings()
 void ControlPanel::setPaused(bool paused)
 {
     m_pause->setChecked(paused);
+}
+
+void ControlPanel::setAveraging(int sweeps)
+{
+    m_averaging->setValue(sweeps);
+}
+
+int ControlPanel::averaging() const
+{
+    return m_averaging->value();
+}
+
+void ControlPanel::setViewMode(ViewMode mode)
+{
+    m_viewMode->setCurrentIndex(std::max(0, m_viewMode->findData(int(mode))));
+}
+
+ViewMode ControlPanel::viewMode() const
+{
+    return ViewMode(m_viewMode->currentData().toInt());
 }
 
 void ControlPanel::setActiveMarker(int index, Trace trace)

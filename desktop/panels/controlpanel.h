@@ -29,6 +29,10 @@ public:
     void setSettings(const DisplaySettings& s);
     DisplaySettings settings() const;
     void setPaused(bool paused);
+    void setAveraging(int sweeps);
+    int averaging() const;
+    void setViewMode(ViewMode mode);
+    ViewMode viewMode() const;
     void setActiveMarker(int index, Trace trace);
 
 signals:
