@@ -78,6 +78,7 @@ private:
     QLabel* m_bandLabel = nullptr;
     QLabel* m_countLabel = nullptr;
     QLabel* m_pausedLabel = nullptr;
+    QLabel* m_pointerLabel = nullptr;
     QTimer* m_statusTimer = nullptr;
     quint64 m_lastCount = 0;
     qint64 m_lastCountMs = 0;

@@ -13,7 +13,10 @@
 #include <QTimer>
 
 #include "instrumentwindow.h"
+#include "densityview.h"
 #include "markers.h"
+#include "spectrumview.h"
+#include "waterfallview.h"
 #include "sweepfeed.h"
 #include "traceexport.h"
 
@@ -101,8 +104,13 @@ void InstrumentWindow::createStatusBar()
     m_countLabel = new QLabel;
     m_pausedLabel = new QLabel(tr("Paused: the picture is frozen, acquisition goes on"));
     m_pausedLabel->setVisible(false);
+    m_pointerLabel = new QLabel;
+    for (PlotView* v : {static_cast<PlotView*>(m_spectrum), static_cast<PlotView*>(m_density),
+                        static_cast<PlotView*>(m_waterfall)})
+        connect(v, &PlotView::pointerMoved, m_pointerLabel, &QLabel::setText);
     statusBar()->addWidget(m_bandLabel);
     statusBar()->addWidget(m_countLabel);
+    statusBar()->addWidget(m_pointerLabel, 1);
     statusBar()->addPermanentWidget(m_pausedLabel);
     // Twice a second rather than per sweep: text costs more than a sweep's pixels.
     m_statusTimer = new QTimer(this);
@@ -127,8 +135,7 @@ void InstrumentWindow::updateStatus()
         rate =
             tr(", %1 per second")
                 .arg(double(count - m_lastCount) * 1000 / double(now - m_lastCountMs), 0, 'f', 1);
-    m_countLabel->setText(tr("%n sweep(s)", nullptr, int(std::min<quint64>(count, INT_MAX))) +
-                          rate);
+    m_countLabel->setText((count == 1 ? tr("1 sweep") : tr("%1 sweeps").arg(count)) + rate);
     m_lastCount = count;
     m_lastCountMs = now;
     m_pausedLabel->setVisible(m_feed->isPaused());

@@ -1,10 +1,12 @@
 #include "plotview.h"
 
 #include <QEvent>
+#include <QMouseEvent>
 #include <QPaintEngine>
 #include <QPainter>
 
 #include "colormap.h"
+#include "markers.h"
 #include "sweepfeed.h"
 
 namespace wsa::desktop
@@ -14,6 +16,7 @@ PlotView::PlotView(SweepFeed* feed, QWidget* parent) : QWidget(parent), m_feed(f
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
     connect(feed, &SweepFeed::sweepShown, this, &PlotView::onSweepShown);
     connect(feed, &SweepFeed::shownReset, this, &PlotView::onShownReset);
 }
@@ -56,6 +59,35 @@ void PlotView::onShownReset()
 {
     m_dataValid = false;
     update();
+}
+
+QString PlotView::describeFrequency(double x) const
+{
+    const double hz = axis().hzOfColumn(x);
+    const int channel = channelAt(model().band(), m_settings.channelWidthMHz, hz);
+    const QString mhz = tr("%1 MHz").arg(hz / 1e6, 0, 'f', 3);
+    return channel ? tr("%1, channel %2").arg(mhz).arg(channel) : mhz;
+}
+
+QString PlotView::describePoint(const QPointF& pos) const
+{
+    const PlotLayout l = plotLayout();
+    if (!l.plot.contains(pos))
+        return {};
+    const double dbm = levelOfY(l.plot, m_settings.bottomDbm, m_settings.topDbm, pos.y());
+    return tr("%1, %2 dBm").arg(describeFrequency(pos.x())).arg(dbm, 0, 'f', 1);
+}
+
+void PlotView::mouseMoveEvent(QMouseEvent* event)
+{
+    emit pointerMoved(describePoint(event->position()));
+    QWidget::mouseMoveEvent(event);
+}
+
+void PlotView::leaveEvent(QEvent* event)
+{
+    emit pointerMoved(QString());
+    QWidget::leaveEvent(event);
 }
 
 void PlotView::changeEvent(QEvent* event)

@@ -31,8 +31,18 @@ public:
     Axis axis() const;
 
     QSize minimumSizeHint() const override { return QSize(320, 140); }
+    // What the point (logical pixels) of the plot shows, as the user reads it; empty outside.
+    virtual QString describePoint(const QPointF& pos) const;
+
+signals:
+    // The pointer moved over the plot: its reading, or an empty text when it left.
+    void pointerMoved(const QString& reading);
 
 protected:
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    // "5500.000 MHz, channel 100" at the point's column.
+    QString describeFrequency(double x) const;
     void paintEvent(QPaintEvent* event) override;
     void changeEvent(QEvent* event) override;
 

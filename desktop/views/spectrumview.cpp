@@ -88,8 +88,10 @@ void SpectrumView::paintForeground(QPainter& p, const PlotLayout& l)
         p.setBrush(c);
         p.drawPolygon(tri, 3);
         p.setPen(c);
+        static const QString numbers[Markers::kCount] = {QStringLiteral("1"), QStringLiteral("2"),
+                                                         QStringLiteral("3"), QStringLiteral("4")};
         p.drawText(QRectF(x - 10, y - 10 - fm.height(), 20, fm.height()), Qt::AlignCenter,
-                   QString::number(i + 1));
+                   numbers[i]);
     }
 }
 
@@ -107,6 +109,7 @@ void SpectrumView::mousePressEvent(QMouseEvent* event)
 
 void SpectrumView::mouseMoveEvent(QMouseEvent* event)
 {
+    PlotView::mouseMoveEvent(event);
     if (event->buttons() & Qt::LeftButton) {
         const QRectF plot = plotLayout().plot;
         placeActive(std::clamp(event->position().x(), plot.left(), plot.right()));

@@ -12,6 +12,19 @@ namespace wsa::desktop
 
 WaterfallView::WaterfallView(SweepFeed* feed, QWidget* parent) : PlotView(feed, parent) {}
 
+QString WaterfallView::describePoint(const QPointF& pos) const
+{
+    const PlotLayout l = plotLayout();
+    if (!l.plot.contains(pos) || m_ring.isNull())
+        return {};
+    const int age = int((pos.y() - l.plot.top()) * m_ring.devicePixelRatio());
+    if (age >= model().historyRows())
+        return describeFrequency(pos.x());
+    const double seconds = (model().historyTimeMs(0) - model().historyTimeMs(age)) / 1000.0;
+    const QString ago = age == 1 ? tr("1 sweep ago") : tr("%1 sweeps ago").arg(age);
+    return tr("%1, %2 (%3 s)").arg(describeFrequency(pos.x()), ago).arg(seconds, 0, 'f', 1);
+}
+
 void WaterfallView::rebuildData(const PlotLayout& l, qreal dpr)
 {
     const QSize px = (l.plot.size() * dpr).toSize().expandedTo(QSize(1, 1));

@@ -15,6 +15,7 @@ class WaterfallView : public PlotView
     Q_OBJECT
 public:
     explicit WaterfallView(SweepFeed* feed, QWidget* parent = nullptr);
+    QString describePoint(const QPointF& pos) const override;
 
 protected:
     void paintLevelAxis(QPainter& p, const PlotLayout& l) override;

@@ -92,6 +92,42 @@ private slots:
         QVERIFY(w.markerTable()->item(2, MarkerTable::Frequency)->text().isEmpty());
     }
 
+    void pointerReadingsNameFrequencyChannelAndLevel()
+    {
+        SweepFeed feed(m_b5);
+        InstrumentWindow w(&feed);
+        w.resize(1400, 900);
+        for (int s = 0; s < 30; ++s) {
+            const auto sweep = desktoptest::sweepWithSignal(m_b5, 5500e6, -40, -90);
+            feed.addSweep(sweep.data(), int(sweep.size()), 1000 + 250 * s);
+        }
+        SpectrumView* view = w.spectrum();
+        QSignalSpy spy(view, &PlotView::pointerMoved);
+        const QPoint at = pointAt(view, 5500e6, -60);
+        QMouseEvent move(QEvent::MouseMove, at, view->mapToGlobal(at), Qt::NoButton, Qt::NoButton,
+                         Qt::NoModifier);
+        QCoreApplication::sendEvent(view, &move);
+        QCOMPARE(spy.count(), 1);
+        const QString text = spy.last().at(0).toString();
+        QVERIFY2(text.contains(QStringLiteral("5500.")) || text.contains(QStringLiteral("5499.")),
+                 qPrintable(text));
+        QVERIFY2(text.contains(QStringLiteral("channel 100")), qPrintable(text));
+        QVERIFY2(text.contains(QStringLiteral("-60.")) || text.contains(QStringLiteral("-59.")),
+                 qPrintable(text));
+        QVERIFY(view->describePoint(QPointF(1, 1)).isEmpty());
+        // In the gap between the sub-bands there is no channel to name.
+        QVERIFY(!view->describePoint(pointAt(view, 5400e6)).contains(QStringLiteral("channel")));
+
+        // The waterfall reads rows as sweeps ago and the time between them.
+        WaterfallView* fall = w.waterfall();
+        desktoptest::render(*fall, fall->size(), 1);
+        const QRectF plot = fall->plotLayout().plot;
+        const QString row4 = fall->describePoint(QPointF(plot.center().x(), plot.top() + 4.5));
+        QVERIFY2(row4.contains(QStringLiteral("4 sweeps ago (1.0 s)")), qPrintable(row4));
+        QVERIFY(!fall->describePoint(QPointF(plot.center().x(), plot.bottom() - 1))
+                     .contains(QStringLiteral("ago")));
+    }
+
     void panelPeakSearchAndResets()
     {
         SweepFeed feed(m_b5);
