@@ -48,11 +48,14 @@ Axis PlotView::axis() const
 void PlotView::onSweepShown()
 {
     // A layer built for another band or layout is rebuilt at the next paint instead.
-    if (m_dataValid && m_key.band == &model().band() && m_key.size == size())
+    // Only the data area changes, and its place is known from the last paint.
+    if (m_dataValid && m_key.band == &model().band() && m_key.size == size()) {
         appendSweep();
-    else
+        update(m_plotRect);
+    } else {
         m_dataValid = false;
-    update(plotLayout().plot.toAlignedRect());
+        update();
+    }
 }
 
 void PlotView::onShownReset()
@@ -112,6 +115,7 @@ void PlotView::paintEvent(QPaintEvent*)
     }
     if (!m_dataValid || !(key == m_key)) {
         m_key = key;
+        m_plotRect = l.plot.toAlignedRect();
         rebuildData(l, dpr);
         m_dataValid = true;
     }

@@ -60,9 +60,6 @@ protected:
     virtual void paintData(QPainter& p, const PlotLayout& l) = 0;
     virtual void paintForeground(QPainter&, const PlotLayout&) {}
 
-    void invalidateFrame() { m_frameKey = {}; }
-    void invalidateData() { m_dataValid = false; }
-
 private:
     struct Key {
         QSize size;
@@ -86,6 +83,7 @@ private:
     Key m_key;      // what the data layer was built for
     Key m_frameKey; // what the frame was built for
     bool m_dataValid = false;
+    QRect m_plotRect; // the data area of m_key's layout
     QImage m_frame;
     QVector<QLineF> m_gridLines;
     QVector<QLineF> m_channelLines;

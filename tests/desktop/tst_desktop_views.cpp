@@ -247,6 +247,27 @@ private slots:
         QCOMPARE(DensityView::shade(20, 10), 255);
     }
 
+    void tinyAndHugeSizesPaintWithoutFault()
+    {
+        const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz6);
+        SweepFeed feed(b, 64);
+        Markers markers;
+        SpectrumView spectrum(&feed, &markers);
+        DensityView density(&feed);
+        WaterfallView waterfall(&feed);
+        const auto sweep = desktoptest::sweepWithSignal(b, 6500e6, -30, -100);
+        markers.place(0, feed.shown(), 6500e6);
+        for (PlotView* v : {static_cast<PlotView*>(&spectrum), static_cast<PlotView*>(&density),
+                            static_cast<PlotView*>(&waterfall)}) {
+            for (const QSize& size : {QSize(1, 1), QSize(30, 20), QSize(4000, 90)}) {
+                feed.addSweep(sweep.data(), int(sweep.size()), 0);
+                QVERIFY(!desktoptest::render(*v, size, 1.5).isNull());
+                feed.addSweep(sweep.data(), int(sweep.size()), 1); // into the layer just built
+                QVERIFY(!desktoptest::render(*v, size, 1.5).isNull());
+            }
+        }
+    }
+
     void resetHoldsClearsTheHeldTraces()
     {
         const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz24);
