@@ -60,7 +60,15 @@ InstrumentWindow::InstrumentWindow(SweepFeed* feed, QWidget* parent)
 void InstrumentWindow::connectControls()
 {
     connect(m_feed, &SweepFeed::shownReset, this, &InstrumentWindow::onShownReset);
-    connect(m_controls, &ControlPanel::settingsChanged, this, &InstrumentWindow::setSettings);
+    // The panel knows nothing of the span; the views' wheels set it.
+    connect(m_controls, &ControlPanel::settingsChanged, this, [this](DisplaySettings s) {
+        s.spanLowHz = m_settings.spanLowHz;
+        s.spanHighHz = m_settings.spanHighHz;
+        setSettings(s);
+    });
+    for (PlotView* v : {static_cast<PlotView*>(m_spectrum), static_cast<PlotView*>(m_density),
+                        static_cast<PlotView*>(m_waterfall)})
+        connect(v, &PlotView::spanRequested, this, &InstrumentWindow::setSpan);
     connect(m_controls, &ControlPanel::viewModeChanged, this, &InstrumentWindow::setViewMode);
     connect(m_controls, &ControlPanel::pauseToggled, this, &InstrumentWindow::setPaused);
     connect(m_controls, &ControlPanel::averagingChanged, m_feed, &SweepFeed::setAveragingLength);
@@ -87,6 +95,7 @@ void InstrumentWindow::onShownReset()
         return;
     // Another band: its channel widths, and markers that no longer point into it go.
     m_band = &band;
+    m_settings.spanLowHz = m_settings.spanHighHz = 0;
     m_controls->setBand(band);
     m_markers->clear();
 }
@@ -99,6 +108,27 @@ void InstrumentWindow::setSettings(const DisplaySettings& s)
                         static_cast<PlotView*>(m_waterfall)})
         v->setSettings(s);
     m_table->setChannelWidth(s.channelWidthMHz);
+}
+
+void InstrumentWindow::setSpan(double lowHz, double highHz)
+{
+    DisplaySettings s = m_settings;
+    s.spanLowHz = lowHz;
+    s.spanHighHz = highHz;
+    const Span shown = visibleSpan(m_feed->shown().grid(), s);
+    const Span whole = visibleSpan(m_feed->shown().grid(), DisplaySettings());
+    // The whole band is kept as "no span", so that it stays whole across bands.
+    const bool full = shown.lowHz <= whole.lowHz && shown.highHz >= whole.highHz;
+    s.spanLowHz = full ? 0 : shown.lowHz;
+    s.spanHighHz = full ? 0 : shown.highHz;
+    setSettings(s);
+}
+
+void InstrumentWindow::zoom(double factor)
+{
+    const Span s = visibleSpan(m_feed->shown().grid(), m_settings);
+    const double centre = (s.lowHz + s.highHz) / 2;
+    setSpan(centre - s.widthHz() / 2 * factor, centre + s.widthHz() / 2 * factor);
 }
 
 void InstrumentWindow::setViewMode(ViewMode mode)

@@ -51,6 +51,10 @@ public slots:
     void setSettings(const wsa::desktop::DisplaySettings& s);
     void setViewMode(wsa::desktop::ViewMode mode);
     void setPaused(bool paused);
+    // Shows these frequencies in every view (clamped into the band); both 0 for the whole band.
+    void setSpan(double lowHz, double highHz);
+    // Narrows (factor < 1) or widens the span about its centre.
+    void zoom(double factor);
 
 private:
     void connectControls();

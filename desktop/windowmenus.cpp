@@ -66,6 +66,16 @@ QMenu* InstrumentWindow::createViewMenu()
                 [a, m = mode](ViewMode now) { a->setChecked(now == m); });
     }
     menu->addSeparator();
+    QAction* in = menu->addAction(tr("Zoom &in"));
+    in->setShortcut(QKeySequence::ZoomIn);
+    connect(in, &QAction::triggered, this, [this] { zoom(0.5); });
+    QAction* out = menu->addAction(tr("Zoom &out"));
+    out->setShortcut(QKeySequence::ZoomOut);
+    connect(out, &QAction::triggered, this, [this] { zoom(2); });
+    QAction* whole = menu->addAction(tr("Whole &band"));
+    whole->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_0));
+    connect(whole, &QAction::triggered, this, [this] { setSpan(0, 0); });
+    menu->addSeparator();
     QAction* full = menu->addAction(tr("&Full screen"));
     full->setShortcut(QKeySequence(Qt::Key_F11));
     connect(full, &QAction::triggered, this,

@@ -67,7 +67,13 @@ void DensityView::paintData(QPainter& p, const PlotLayout& l)
     // The rows of the displayed level range, scaled into the plot.
     const double top = model().densityTopDbm() - settings().topDbm;
     const double bottom = model().densityTopDbm() - settings().bottomDbm;
-    p.drawImage(l.plot, m_table, QRectF(0, top, m_table.width(), bottom - top));
+    // The cells of the visible span, in the table's (fractional) cell coordinates.
+    const SweepGrid grid = model().grid();
+    const Span s = span();
+    const double lowEdge = grid.axis(0, 1).lowHz();
+    const double left = (s.lowHz - lowEdge) / grid.stepHz;
+    const double right = (s.highHz - lowEdge) / grid.stepHz;
+    p.drawImage(l.plot, m_table, QRectF(left, top, right - left, bottom - top));
 }
 
 void DensityView::paintLegend(QPainter& p, const QRectF& legend)

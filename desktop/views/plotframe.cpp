@@ -9,8 +9,33 @@ namespace wsa::desktop
 bool DisplaySettings::operator==(const DisplaySettings& o) const
 {
     return bottomDbm == o.bottomDbm && topDbm == o.topDbm && channelWidthMHz == o.channelWidthMHz &&
-           showChannels == o.showChannels &&
+           showChannels == o.showChannels && spanLowHz == o.spanLowHz &&
+           spanHighHz == o.spanHighHz &&
            std::equal(traceShown, traceShown + kTraceCount, o.traceShown);
+}
+
+Span visibleSpan(const SweepGrid& grid, const DisplaySettings& s)
+{
+    const Axis whole = grid.axis(0, 1);
+    const Span full{whole.lowHz(), whole.highHz()};
+    if (!(s.spanHighHz > s.spanLowHz) || !std::isfinite(s.spanLowHz) ||
+        !std::isfinite(s.spanHighHz))
+        return full;
+    const double least = std::min(full.widthHz(), kMinSpanCells * grid.stepHz);
+    const double width = std::clamp(s.spanHighHz - s.spanLowHz, least, full.widthHz());
+    const double centre = std::clamp((s.spanLowHz + s.spanHighHz) / 2, full.lowHz + width / 2,
+                                     full.highHz - width / 2);
+    return {centre - width / 2, centre + width / 2};
+}
+
+Axis spanAxis(const SweepGrid& grid, const DisplaySettings& s, double left, double width)
+{
+    // Stretch the whole grid so that the span's edges land on left and left + width.
+    const Span span = visibleSpan(grid, s);
+    const Axis whole = grid.axis(0, 1);
+    const double scale = width / span.widthHz();
+    return grid.axis(left - (span.lowHz - whole.lowHz()) * scale,
+                     (whole.highHz() - whole.lowHz()) * scale);
 }
 
 PlotLayout plotLayout(const QSizeF& size, const QFontMetricsF& fm)
@@ -50,11 +75,11 @@ double niceStep(double raw)
     return 10 * p;
 }
 
-QString mhzText(double hz)
+// As many decimals as the tick step needs, and no more.
+QString mhzText(double hz, double stepHz)
 {
-    const double mhz = hz / 1e6;
-    const bool whole = std::abs(mhz - std::round(mhz)) < 1e-6;
-    return QString::number(mhz, 'f', whole ? 0 : 1);
+    const int decimals = std::clamp(int(std::ceil(-std::log10(stepHz / 1e6) - 1e-9)), 0, 3);
+    return QString::number(hz / 1e6, 'f', decimals);
 }
 
 } // namespace
@@ -64,17 +89,17 @@ double frequencyTickGap(const QFontMetricsF& fm)
     return fm.horizontalAdvance(QStringLiteral("0000.0")) + 24;
 }
 
-std::vector<Tick> frequencyTicks(const Axis& axis, double minGapPx)
+std::vector<Tick> frequencyTicks(const Axis& axis, const Span& span, double minGapPx)
 {
     std::vector<Tick> ticks;
-    const double x0 = axis.columnOfHz(axis.lowHz());
-    const double x1 = axis.columnOfHz(axis.highHz());
+    const double x0 = axis.columnOfHz(span.lowHz);
+    const double x1 = axis.columnOfHz(span.highHz);
     if (!(x1 > x0) || !(minGapPx > 0))
         return ticks;
-    const double hzPerPx = (axis.highHz() - axis.lowHz()) / (x1 - x0);
+    const double hzPerPx = span.widthHz() / (x1 - x0);
     const double step = niceStep(minGapPx * hzPerPx / 1e6) * 1e6;
-    for (double hz = std::ceil(axis.lowHz() / step) * step; hz <= axis.highHz(); hz += step)
-        ticks.push_back({hz, axis.columnOfHz(hz), mhzText(hz)});
+    for (double k = std::ceil(span.lowHz / step); k * step <= span.highHz; ++k)
+        ticks.push_back({k * step, axis.columnOfHz(k * step), mhzText(k * step, step)});
     return ticks;
 }
 
@@ -121,19 +146,19 @@ bool channelsDisjoint(const std::vector<Channel>& channels)
 }
 
 std::vector<ChannelMark> channelMarks(const Band& band, int widthMHz, const Axis& axis,
-                                      const QRectF& row, const QFontMetricsF& fm)
+                                      const Span& span, const QRectF& row, const QFontMetricsF& fm)
 {
     std::vector<ChannelMark> marks;
     double lastRight = -1e300;
     for (const Channel& c : band.channels(widthMHz)) {
         const double hz = c.centerMHz * 1e6;
-        if (hz < axis.lowHz() || hz > axis.highHz())
+        if (hz < span.lowHz || hz > span.highHz)
             continue;
         ChannelMark m;
         m.number = c.number;
         m.centerX = axis.columnOfHz(hz);
-        m.lowX = axis.columnOfHz(std::max(c.lowMHz() * 1e6, axis.lowHz()));
-        m.highX = axis.columnOfHz(std::min(c.highMHz() * 1e6, axis.highHz()));
+        m.lowX = axis.columnOfHz(std::max(c.lowMHz() * 1e6, span.lowHz));
+        m.highX = axis.columnOfHz(std::min(c.highMHz() * 1e6, span.highHz));
         const QString text = QString::number(c.number);
         const double w = fm.horizontalAdvance(text);
         m.labelRect = QRectF(m.centerX - w / 2, row.top(), w, row.height());

@@ -21,10 +21,28 @@ struct DisplaySettings {
     int channelWidthMHz = 20;
     bool showChannels = true;
     bool traceShown[kTraceCount] = {true, true, true, false};
+    // The frequencies shown, in Hz; both 0 for the whole grid.
+    double spanLowHz = 0;
+    double spanHighHz = 0;
 
     bool operator==(const DisplaySettings& o) const;
     bool operator!=(const DisplaySettings& o) const { return !(*this == o); }
 };
+
+struct Span {
+    double lowHz;
+    double highHz;
+    double widthHz() const { return highHz - lowHz; }
+};
+
+// The narrowest span a user can zoom to, in cells of the grid.
+constexpr int kMinSpanCells = 8;
+
+// The settings' span clamped into the grid's edges and at least kMinSpanCells wide; the whole
+// grid when the settings name none or nonsense.
+Span visibleSpan(const SweepGrid& grid, const DisplaySettings& s);
+// The axis that lays the visible span over [left, left + width].
+Axis spanAxis(const SweepGrid& grid, const DisplaySettings& s, double left, double width);
 
 struct PlotLayout {
     QRectF plot;
@@ -45,7 +63,7 @@ struct Tick {
 // The least distance between frequency labels in this font.
 double frequencyTickGap(const QFontMetricsF& fm);
 // Round-numbered frequency ticks (1, 2 or 5 times a power of ten MHz) at least minGapPx apart.
-std::vector<Tick> frequencyTicks(const Axis& axis, double minGapPx);
+std::vector<Tick> frequencyTicks(const Axis& axis, const Span& span, double minGapPx);
 // Level ticks every 1, 2, 5, 10 or 20 dB, at least minGapPx apart, y growing downwards.
 std::vector<Tick> levelTicks(const QRectF& plot, double bottomDbm, double topDbm, double minGapPx);
 double yOfLevel(const QRectF& plot, double bottomDbm, double topDbm, double dbm);
@@ -60,10 +78,10 @@ struct ChannelMark {
     bool labelled; // false where the label would run into its left neighbour's
 };
 
-// The band's channels of that width inside the axis' span, labels centred under their centres
+// The band's channels of that width centred inside the span, labels centred under their centres
 // in `row`; overlapping labels are left out from left to right.
 std::vector<ChannelMark> channelMarks(const Band& band, int widthMHz, const Axis& axis,
-                                      const QRectF& row, const QFontMetricsF& fm);
+                                      const Span& span, const QRectF& row, const QFontMetricsF& fm);
 // True when no channel of the plan overlaps the next (then boundaries mean something).
 bool channelsDisjoint(const std::vector<Channel>& channels);
 

@@ -2,6 +2,8 @@
 
 #include <QEvent>
 #include <QMouseEvent>
+#include <QWheelEvent>
+#include <cmath>
 #include <QPaintEngine>
 #include <QPainter>
 
@@ -41,8 +43,17 @@ PlotLayout PlotView::plotLayout() const
 
 Axis PlotView::axis() const
 {
-    const PlotLayout l = plotLayout();
-    return model().grid().axis(l.plot.left(), l.plot.width());
+    return axisFor(plotLayout());
+}
+
+Axis PlotView::axisFor(const PlotLayout& l) const
+{
+    return spanAxis(model().grid(), m_settings, l.plot.left(), l.plot.width());
+}
+
+Span PlotView::span() const
+{
+    return visibleSpan(model().grid(), m_settings);
 }
 
 void PlotView::onSweepShown()
@@ -93,6 +104,29 @@ void PlotView::leaveEvent(QEvent* event)
     QWidget::leaveEvent(event);
 }
 
+void PlotView::wheelEvent(QWheelEvent* event)
+{
+    const PlotLayout l = plotLayout();
+    const QPoint delta = event->angleDelta();
+    if (!l.plot.contains(event->position()) || delta.isNull()) {
+        QWidget::wheelEvent(event);
+        return;
+    }
+    const Span s = span();
+    const bool pan = (event->modifiers() & Qt::ShiftModifier) || delta.x() != 0;
+    // One notch (120) zooms by a fifth or pans by a tenth of the span.
+    const double notches = (delta.x() != 0 ? delta.x() : delta.y()) / 120.0;
+    if (pan) {
+        const double shift = -notches * s.widthHz() / 10;
+        emit spanRequested(s.lowHz + shift, s.highHz + shift);
+    } else {
+        const double hz = axisFor(l).hzOfColumn(event->position().x());
+        const double factor = std::pow(0.8, notches);
+        emit spanRequested(hz - (hz - s.lowHz) * factor, hz + (s.highHz - hz) * factor);
+    }
+    event->accept();
+}
+
 void PlotView::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
@@ -138,7 +172,7 @@ void PlotView::buildOverlayLines(const PlotLayout& l, const Axis& a)
     const QRectF& r = l.plot;
     const QFontMetricsF fm(font());
     m_gridLines.clear();
-    for (const Tick& t : frequencyTicks(a, frequencyTickGap(fm)))
+    for (const Tick& t : frequencyTicks(a, span(), frequencyTickGap(fm)))
         m_gridLines.append(QLineF(t.pos, r.top(), t.pos, r.bottom()));
     const auto rows = levelGrid()
                           ? levelTicks(r, m_settings.bottomDbm, m_settings.topDbm, fm.height() * 2)
@@ -150,7 +184,7 @@ void PlotView::buildOverlayLines(const PlotLayout& l, const Axis& a)
     if (!m_settings.showChannels || !channelsDisjoint(plan))
         return;
     for (const ChannelMark& m :
-         channelMarks(model().band(), m_settings.channelWidthMHz, a, l.channelLabels, fm)) {
+         channelMarks(model().band(), m_settings.channelWidthMHz, a, span(), l.channelLabels, fm)) {
         m_channelLines.append(QLineF(m.lowX, r.top(), m.lowX, r.bottom()));
         m_channelLines.append(QLineF(m.highX, r.top(), m.highX, r.bottom()));
     }
@@ -161,7 +195,7 @@ void PlotView::buildFrame(const PlotLayout& l, qreal dpr)
     m_frame = QImage((QSizeF(size()) * dpr).toSize(), QImage::Format_RGB32);
     m_frame.setDevicePixelRatio(dpr);
     m_frame.fill(colors::window());
-    const Axis a = model().grid().axis(l.plot.left(), l.plot.width());
+    const Axis a = axisFor(l);
     buildOverlayLines(l, a);
 
     QPainter p(&m_frame);
@@ -201,7 +235,7 @@ void PlotView::paintFrequencyAxis(QPainter& p, const PlotLayout& l, const Axis& 
     const QFontMetricsF fm(p.font());
     const QRectF& row = l.frequencyLabels;
     p.setPen(QPen(colors::frame(), 0));
-    const auto ticks = frequencyTicks(a, frequencyTickGap(fm));
+    const auto ticks = frequencyTicks(a, span(), frequencyTickGap(fm));
     for (const Tick& t : ticks)
         p.drawLine(QPointF(t.pos, l.plot.bottom()), QPointF(t.pos, l.plot.bottom() + 3));
     p.setPen(colors::text());
@@ -220,7 +254,8 @@ void PlotView::paintFrequencyAxis(QPainter& p, const PlotLayout& l, const Axis& 
                Qt::AlignRight | Qt::AlignVCenter, tr("Ch"));
     const std::vector<Channel> plan = model().band().channels(m_settings.channelWidthMHz);
     const bool disjoint = channelsDisjoint(plan);
-    const auto marks = channelMarks(model().band(), m_settings.channelWidthMHz, a, chRow, fm);
+    const auto marks =
+        channelMarks(model().band(), m_settings.channelWidthMHz, a, span(), chRow, fm);
     int shade = 0;
     for (const ChannelMark& m : marks) {
         if (disjoint && (shade++ % 2) == 0)

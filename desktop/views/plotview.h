@@ -29,6 +29,8 @@ public:
     // The layout and the frequency axis of the current size, in logical pixels.
     PlotLayout plotLayout() const;
     Axis axis() const;
+    Axis axisFor(const PlotLayout& l) const;
+    Span span() const;
 
     QSize minimumSizeHint() const override { return QSize(320, 140); }
     // What the point (logical pixels) of the plot shows, as the user reads it; empty outside.
@@ -37,10 +39,14 @@ public:
 signals:
     // The pointer moved over the plot: its reading, or an empty text when it left.
     void pointerMoved(const QString& reading);
+    // The wheel asked for another span of frequencies (zoom about the pointer, or pan with
+    // Shift or a horizontal wheel).
+    void spanRequested(double lowHz, double highHz);
 
 protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     // "5500.000 MHz, channel 100" at the point's column.
     QString describeFrequency(double x) const;
     void paintEvent(QPaintEvent* event) override;

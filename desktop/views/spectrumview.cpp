@@ -31,7 +31,7 @@ void SpectrumView::appendSweep()
 
 void SpectrumView::buildPaths()
 {
-    const Axis a = model().grid().axis(m_layout.plot.left(), m_layout.plot.width());
+    const Axis a = axisFor(m_layout);
     const LevelMapping map{m_layout.plot, settings().bottomDbm, settings().topDbm};
     for (int t = 0; t < kTraceCount; ++t) {
         const float* levels = settings().traceShown[t] ? model().trace(Trace(t)) : nullptr;
@@ -71,7 +71,7 @@ void SpectrumView::paintLegend(QPainter& p, const QRectF& legend)
 
 void SpectrumView::paintForeground(QPainter& p, const PlotLayout& l)
 {
-    const Axis a = model().grid().axis(l.plot.left(), l.plot.width());
+    const Axis a = axisFor(l);
     const QFontMetricsF fm(p.font());
     p.setRenderHint(QPainter::Antialiasing);
     for (int i = 0; i < Markers::kCount; ++i) {

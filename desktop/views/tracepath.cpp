@@ -22,25 +22,28 @@ void buildTracePath(QPolygonF& out, const float* levels, const Axis& axis, const
         return std::clamp(m.plot.bottom() - (double(dbm) - m.bottomDbm) * scale, yLow, yHigh);
     };
     const int columns = std::max(1, int(std::lround(m.plot.width() * dpr)));
-    if (bins <= columns) {
-        out.reserve(bins);
-        for (int i = 0; i < bins; ++i)
+    // The visible cells and one beyond each edge, so that the line runs out of the plot.
+    const int first = std::max(0, axis.binOfColumn(m.plot.left()) - 1);
+    const int last = std::min(bins - 1, axis.binOfColumn(m.plot.right()) + 1);
+    if (last - first + 1 <= columns) {
+        out.reserve(last - first + 1);
+        for (int i = first; i <= last; ++i)
             out.append(QPointF(axis.columnOfBin(i), y(levels[i])));
         return;
     }
     out.reserve(2 * columns);
-    int bin = 0;
-    for (int c = 0; c < columns && bin < bins; ++c) {
-        const double rightX = m.plot.left() + (c + 1) / dpr;
-        const int end =
-            c + 1 == columns ? bins : std::clamp(axis.binOfColumn(rightX), bin + 1, bins);
-        float lo = levels[bin];
-        float hi = levels[bin];
-        for (int i = bin + 1; i < end; ++i) {
+    const double tiny = 1e-6 / dpr;
+    for (int c = 0; c < columns; ++c) {
+        const double x0 = m.plot.left() + c / dpr;
+        const int end = axis.binOfColumn(x0 + 1 / dpr - tiny);
+        int i = axis.binOfColumn(x0 + tiny);
+        float lo = levels[i];
+        float hi = levels[i];
+        for (++i; i <= end; ++i) {
             lo = std::min(lo, levels[i]);
             hi = std::max(hi, levels[i]);
         }
-        const double x = m.plot.left() + (c + 0.5) / dpr;
+        const double x = x0 + 0.5 / dpr;
         // Alternate the order so consecutive columns join at the nearer end.
         if (c % 2 == 0) {
             out.append(QPointF(x, y(lo)));
@@ -49,7 +52,6 @@ void buildTracePath(QPolygonF& out, const float* levels, const Axis& axis, const
             out.append(QPointF(x, y(hi)));
             out.append(QPointF(x, y(lo)));
         }
-        bin = end;
     }
 }
 

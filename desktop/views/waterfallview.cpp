@@ -38,7 +38,7 @@ void WaterfallView::rebuildData(const PlotLayout& l, qreal dpr)
     m_scale = 255.0 / std::max(1e-6, settings().topDbm - settings().bottomDbm);
 
     // Each device column shows the strongest of the cells it touches.
-    const Axis a = model().grid().axis(0, px.width());
+    const Axis a = spanAxis(model().grid(), settings(), 0, px.width());
     m_columnFirst.resize(std::size_t(px.width()));
     m_columnEnd.resize(std::size_t(px.width()));
     for (int c = 0; c < px.width(); ++c) {

@@ -121,7 +121,7 @@ private slots:
                 QCOMPARE(axis.columnOfHz(b.grid.highEdgeHz()), l.plot.right());
 
                 const QFontMetricsF fm(view.font());
-                const auto ticks = frequencyTicks(axis, frequencyTickGap(fm));
+                const auto ticks = frequencyTicks(axis, view.span(), frequencyTickGap(fm));
                 QVERIFY(ticks.size() >= 2);
                 for (const Tick& t : ticks) {
                     QVERIFY(t.value >= b.grid.lowEdgeHz() && t.value <= b.grid.highEdgeHz());
@@ -131,7 +131,7 @@ private slots:
                     QVERIFY(desktoptest::hasInk(image, devicePixels(under, dpr), window));
                 }
 
-                const auto marks = channelMarks(b, width, axis, l.channelLabels, fm);
+                const auto marks = channelMarks(b, width, axis, view.span(), l.channelLabels, fm);
                 int labelled = 0;
                 double lastRight = -1e9;
                 for (const ChannelMark& m : marks) {
@@ -158,6 +158,89 @@ private slots:
                 QVERIFY(labelled >= 1);
                 if (size.width() >= 1900 && (width >= 40 || band != int(wsa::BandId::Ghz6)))
                     QCOMPARE(labelled, int(marks.size()));
+            }
+        }
+    }
+
+    void spanIsClampedIntoTheGrid()
+    {
+        const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz24);
+        const SweepGrid grid{b.grid.startHz, b.grid.stepHz, b.grid.shown};
+        auto span = [&](double lo, double hi) {
+            DisplaySettings s;
+            s.spanLowHz = lo;
+            s.spanHighHz = hi;
+            return visibleSpan(grid, s);
+        };
+        const Span whole = span(0, 0);
+        QCOMPARE(whole.lowHz, b.grid.lowEdgeHz());
+        QCOMPARE(whole.highHz, b.grid.highEdgeHz());
+        QCOMPARE(span(2430e6, 2440e6).lowHz, 2430e6);
+        // Past an edge: moved inside, width kept.
+        QCOMPARE(span(2380e6, 2400e6).lowHz, b.grid.lowEdgeHz());
+        QCOMPARE(span(2380e6, 2400e6).widthHz(), 20e6);
+        QCOMPARE(span(2480e6, 2600e6).highHz, b.grid.highEdgeHz());
+        // Too narrow: widened about its centre; too wide or nonsense: the whole grid.
+        QCOMPARE(span(2437e6, 2437e6 + 1).widthHz(), kMinSpanCells * b.grid.stepHz);
+        QCOMPARE((span(2437e6, 2437e6 + 1).lowHz + span(2437e6, 2437e6 + 1).highHz) / 2,
+                 2437e6 + 0.5);
+        QCOMPARE(span(1e9, 9e9).widthHz(), whole.widthHz());
+        QCOMPARE(span(2440e6, 2430e6).lowHz, whole.lowHz);
+        QCOMPARE(span(std::nan(""), 2430e6).lowHz, whole.lowHz);
+    }
+
+    void zoomedSpanMapsFrequenciesOntoThePlot()
+    {
+        const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz5);
+        SweepFeed feed(b);
+        Markers markers;
+        SpectrumView spectrum(&feed, &markers);
+        WaterfallView waterfall(&feed);
+        DensityView density(&feed);
+        DisplaySettings s = onlyCurrent();
+        s.spanLowHz = 5490e6;
+        s.spanHighHz = 5530e6;
+        for (PlotView* v : {static_cast<PlotView*>(&spectrum), static_cast<PlotView*>(&waterfall),
+                            static_cast<PlotView*>(&density)})
+            v->setSettings(s);
+        const double hz = 5513e6; // clear of tick and channel lines
+        const auto sweep = desktoptest::sweepWithSignal(b, hz, -30.5f, -115);
+        for (int k = 0; k < 5; ++k)
+            feed.addSweep(sweep.data(), int(sweep.size()), k);
+        const int cell = desktoptest::cellOf(b, hz);
+        for (const QSize& size : kSizes) {
+            for (qreal dpr : kRatios) {
+                QImage image = desktoptest::render(spectrum, size, dpr);
+                const PlotLayout l = spectrum.plotLayout();
+                const wsa::Axis axis = spectrum.axis();
+                QVERIFY(std::abs(axis.columnOfHz(5490e6) - l.plot.left()) < 1e-6);
+                QVERIFY(std::abs(axis.columnOfHz(5530e6) - l.plot.right()) < 1e-6);
+                const QPoint top =
+                    topmost(image, devicePixels(l.plot, dpr), traceColor(Trace::Current).rgb());
+                QVERIFY(std::abs(top.x() - axis.columnOfBin(cell) * dpr) <= 1.5);
+
+                const auto ticks = frequencyTicks(axis, spectrum.span(),
+                                                  frequencyTickGap(QFontMetricsF(spectrum.font())));
+                QVERIFY(ticks.size() >= 2);
+                for (const Tick& t : ticks)
+                    QVERIFY(t.value >= 5490e6 && t.value <= 5530e6);
+                const auto marks = channelMarks(b, 20, axis, spectrum.span(), l.channelLabels,
+                                                QFontMetricsF(spectrum.font()));
+                QCOMPARE(int(marks.size()), 2);
+                QCOMPARE(marks[0].number, 100);
+                QCOMPARE(marks[1].centerX, axis.columnOfHz(5520e6));
+
+                image = desktoptest::render(waterfall, size, dpr);
+                const int x = int(waterfall.axis().columnOfHz(hz) * dpr);
+                const int y = int(waterfall.plotLayout().plot.top() * dpr);
+                QCOMPARE(image.pixel(x, y) & 0xffffff,
+                         colorScale()[std::size_t((-30.5 + 120) / 110 * 255)] & 0xffffff);
+                image = desktoptest::render(density, size, dpr);
+                const int yLevel = int(yOfLevel(density.plotLayout().plot, -120, -10, -30.5) * dpr);
+                QCOMPARE(image.pixel(int(density.axis().columnOfHz(hz) * dpr), yLevel) & 0xffffff,
+                         colorScale()[std::size_t(DensityView::shade(1, 1))] & 0xffffff);
+                const int beside = int(density.axis().columnOfHz(hz + 3 * b.grid.stepHz) * dpr);
+                QCOMPARE(image.pixel(beside, yLevel) & 0xffffff, colorScale()[0] & 0xffffff);
             }
         }
     }

@@ -128,6 +128,50 @@ private slots:
                      .contains(QStringLiteral("ago")));
     }
 
+    void wheelZoomsAboutThePointerInEveryView()
+    {
+        SweepFeed feed(m_b5);
+        InstrumentWindow w(&feed);
+        w.resize(1400, 900);
+        SpectrumView* view = w.spectrum();
+        auto wheel = [&](QWidget* target, const QPoint& at, QPoint delta, Qt::KeyboardModifiers m) {
+            QWheelEvent e(at, target->mapToGlobal(at), QPoint(), delta, Qt::NoButton, m,
+                          Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(target, &e);
+        };
+        const QPoint at = pointAt(view, 5600e6);
+        const double before = view->axis().hzOfColumn(at.x());
+        wheel(view, at, QPoint(0, 240), Qt::NoModifier);
+        const Span zoomed = visibleSpan(feed.shown().grid(), w.settings());
+        QVERIFY(std::abs(zoomed.widthHz() -
+                         0.64 * (m_b5.grid.highEdgeHz() - m_b5.grid.lowEdgeHz())) < 1e3);
+        // The frequency under the pointer stays under it, in every view.
+        QVERIFY(std::abs(view->axis().hzOfColumn(at.x()) - before) < 1e3);
+        QCOMPARE(w.waterfall()->settings(), w.settings());
+        QCOMPARE(w.density()->span().lowHz, zoomed.lowHz);
+
+        wheel(w.waterfall(), w.waterfall()->plotLayout().plot.center().toPoint(), QPoint(0, -120),
+              Qt::ShiftModifier);
+        const Span panned = visibleSpan(feed.shown().grid(), w.settings());
+        QVERIFY(std::abs(panned.lowHz - (zoomed.lowHz + zoomed.widthHz() / 10)) < 1e3);
+
+        // A panel change keeps the span; zooming far out gives the whole band back as "none".
+        w.controls()->setSettings(DisplaySettings());
+        w.setSettings(w.settings());
+        emit w.controls()->settingsChanged(w.controls()->settings());
+        QCOMPARE(visibleSpan(feed.shown().grid(), w.settings()).lowHz, panned.lowHz);
+        w.zoom(100);
+        QCOMPARE(w.settings().spanLowHz, 0.0);
+        QCOMPARE(w.settings().spanHighHz, 0.0);
+
+        // Outside the plot the wheel does nothing; a new band starts whole.
+        wheel(view, QPoint(2, 2), QPoint(0, 120), Qt::NoModifier);
+        QCOMPARE(w.settings().spanHighHz, 0.0);
+        w.setSpan(5500e6, 5520e6);
+        feed.configure(*wsa::findBand(wsa::BandId::Ghz6));
+        QCOMPARE(w.settings().spanHighHz, 0.0);
+    }
+
     void panelPeakSearchAndResets()
     {
         SweepFeed feed(m_b5);
