@@ -54,8 +54,13 @@ void benchBand(const wsa::Band& band, qreal dpr, const QString& pngDir)
     QImage target((QSizeF(1920, 1080) * dpr).toSize(), QImage::Format_ARGB32_Premultiplied);
     target.setDevicePixelRatio(dpr);
     w.render(&target);
-    if (!pngDir.isEmpty())
+    if (!pngDir.isEmpty()) {
         target.save(QStringLiteral("%1/desktop-%2-%3x.png").arg(pngDir, band.key).arg(dpr));
+        w.zoom(0.1);
+        w.render(&target);
+        target.save(QStringLiteral("%1/desktop-%2-%3x-zoom.png").arg(pngDir, band.key).arg(dpr));
+        w.setSpan(0, 0);
+    }
 
     std::vector<qint64> full, views, relayout, perSweep;
     QElapsedTimer timer;

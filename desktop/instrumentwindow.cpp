@@ -142,6 +142,7 @@ void InstrumentWindow::setPaused(bool paused)
 {
     m_feed->setPaused(paused);
     m_controls->setPaused(paused);
+    updateStatus();
 }
 
 void InstrumentWindow::syncMarkerControls()

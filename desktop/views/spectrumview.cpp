@@ -79,6 +79,8 @@ void SpectrumView::paintForeground(QPainter& p, const PlotLayout& l)
         if (!r.valid)
             continue;
         const double x = a.columnOfBin(r.bin);
+        if (x < l.plot.left() || x > l.plot.right())
+            continue; // outside the span shown
         const double y =
             std::clamp(yOfLevel(l.plot, settings().bottomDbm, settings().topDbm, r.dbm),
                        l.plot.top(), l.plot.bottom());

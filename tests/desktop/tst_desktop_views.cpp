@@ -208,9 +208,11 @@ private slots:
         for (int k = 0; k < 5; ++k)
             feed.addSweep(sweep.data(), int(sweep.size()), k);
         const int cell = desktoptest::cellOf(b, hz);
+        markers.place(0, feed.shown(), 5200e6); // outside the span: not drawn anywhere
         for (const QSize& size : kSizes) {
             for (qreal dpr : kRatios) {
                 QImage image = desktoptest::render(spectrum, size, dpr);
+                QCOMPARE(topmost(image, image.rect(), colors::marker().rgb()), QPoint(-1, -1));
                 const PlotLayout l = spectrum.plotLayout();
                 const wsa::Axis axis = spectrum.axis();
                 QVERIFY(std::abs(axis.columnOfHz(5490e6) - l.plot.left()) < 1e-6);
