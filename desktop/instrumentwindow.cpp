@@ -4,12 +4,14 @@
 #include <QDockWidget>
 #include <QScrollArea>
 #include <QSplitter>
+#include <cmath>
 
 #include "densityview.h"
 #include "markers.h"
 #include "markertable.h"
 #include "spectrumview.h"
 #include "sweepfeed.h"
+#include "sweepstore.h"
 #include "waterfallview.h"
 
 namespace wsa::desktop
@@ -67,8 +69,10 @@ void InstrumentWindow::connectControls()
         setSettings(s);
     });
     for (PlotView* v : {static_cast<PlotView*>(m_spectrum), static_cast<PlotView*>(m_density),
-                        static_cast<PlotView*>(m_waterfall)})
+                        static_cast<PlotView*>(m_waterfall)}) {
         connect(v, &PlotView::spanRequested, this, &InstrumentWindow::setSpan);
+        connect(v, &PlotView::levelRangeRequested, this, &InstrumentWindow::setLevelRange);
+    }
     connect(m_controls, &ControlPanel::viewModeChanged, this, &InstrumentWindow::setViewMode);
     connect(m_controls, &ControlPanel::pauseToggled, this, &InstrumentWindow::setPaused);
     connect(m_controls, &ControlPanel::averagingChanged, m_feed, &SweepFeed::setAveragingLength);
@@ -122,6 +126,26 @@ void InstrumentWindow::setSpan(double lowHz, double highHz)
     s.spanLowHz = full ? 0 : shown.lowHz;
     s.spanHighHz = full ? 0 : shown.highHz;
     setSettings(s);
+}
+
+void InstrumentWindow::setLevelRange(double bottomDbm, double topDbm)
+{
+    if (!std::isfinite(bottomDbm) || !std::isfinite(topDbm))
+        return;
+    // A range pushed past an end keeps its width rather than being squeezed.
+    const double width =
+        std::clamp(topDbm - bottomDbm, 1.0,
+                   double(SweepStore::kDensityTopDbm - SweepStore::kDensityBottomDbm));
+    const double bottom = std::clamp(bottomDbm, double(SweepStore::kDensityBottomDbm),
+                                     SweepStore::kDensityTopDbm - width);
+    DisplaySettings s = m_settings;
+    s.bottomDbm = std::round(bottom);
+    s.topDbm = std::round(bottom + width);
+    m_controls->setSettings(s);
+    DisplaySettings checked = m_controls->settings();
+    checked.spanLowHz = s.spanLowHz;
+    checked.spanHighHz = s.spanHighHz;
+    setSettings(checked);
 }
 
 void InstrumentWindow::zoom(double factor)

@@ -53,6 +53,8 @@ public slots:
     void setPaused(bool paused);
     // Shows these frequencies in every view (clamped into the band); both 0 for the whole band.
     void setSpan(double lowHz, double highHz);
+    // Shows these levels in every view, within the density table's range and at least 1 dB.
+    void setLevelRange(double bottomDbm, double topDbm);
     // Narrows (factor < 1) or widens the span about its centre.
     void zoom(double factor);
 

@@ -108,6 +108,8 @@ void PlotView::wheelEvent(QWheelEvent* event)
 {
     const PlotLayout l = plotLayout();
     const QPoint delta = event->angleDelta();
+    if (levelWheel(event, l))
+        return;
     if (!l.plot.contains(event->position()) || delta.isNull()) {
         QWidget::wheelEvent(event);
         return;
@@ -125,6 +127,27 @@ void PlotView::wheelEvent(QWheelEvent* event)
         emit spanRequested(hz - (hz - s.lowHz) * factor, hz + (s.highHz - hz) * factor);
     }
     event->accept();
+}
+
+bool PlotView::levelWheel(QWheelEvent* event, const PlotLayout& l)
+{
+    const QPointF pos = event->position();
+    const QRectF axisArea(0, l.plot.top(), l.plot.left(), l.plot.height());
+    if (!levelGrid() || !axisArea.contains(pos) || event->angleDelta().y() == 0)
+        return false;
+    // One notch shifts the range by 5 dB, or with Ctrl narrows it by a fifth about the pointer.
+    const double notches = event->angleDelta().y() / 120.0;
+    const double bottom = m_settings.bottomDbm;
+    const double top = m_settings.topDbm;
+    if (event->modifiers() & Qt::ControlModifier) {
+        const double at = levelOfY(l.plot, bottom, top, pos.y());
+        const double factor = std::pow(0.8, notches);
+        emit levelRangeRequested(at - (at - bottom) * factor, at + (top - at) * factor);
+    } else {
+        emit levelRangeRequested(bottom + 5 * notches, top + 5 * notches);
+    }
+    event->accept();
+    return true;
 }
 
 void PlotView::changeEvent(QEvent* event)

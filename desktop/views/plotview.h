@@ -42,11 +42,14 @@ signals:
     // The wheel asked for another span of frequencies (zoom about the pointer, or pan with
     // Shift or a horizontal wheel).
     void spanRequested(double lowHz, double highHz);
+    // The wheel over the level axis asked for another level range (shift; Ctrl zooms).
+    void levelRangeRequested(double bottomDbm, double topDbm);
 
 protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    bool levelWheel(QWheelEvent* event, const PlotLayout& l);
     // "5500.000 MHz, channel 100" at the point's column.
     QString describeFrequency(double x) const;
     void paintEvent(QPaintEvent* event) override;

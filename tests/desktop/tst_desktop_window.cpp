@@ -164,8 +164,30 @@ private slots:
         QCOMPARE(w.settings().spanLowHz, 0.0);
         QCOMPARE(w.settings().spanHighHz, 0.0);
 
+        // Over the level axis the wheel shifts the levels, and with Ctrl narrows them.
+        const QRectF plot = view->plotLayout().plot;
+        const QPoint axisPoint(int(plot.left() / 2), int(plot.center().y()));
+        wheel(view, axisPoint, QPoint(0, 240), Qt::NoModifier);
+        QCOMPARE(w.settings().bottomDbm, -110.0);
+        QCOMPARE(w.settings().topDbm, 0.0);
+        QCOMPARE(w.controls()->settings().topDbm, 0.0);
+        wheel(view, axisPoint, QPoint(0, 120), Qt::NoModifier); // already at the top
+        QCOMPARE(w.settings().topDbm, 0.0);
+        QCOMPARE(w.settings().bottomDbm, -110.0);
+        for (int k = 0; k < 40; ++k)
+            wheel(view, axisPoint, QPoint(0, 120), Qt::ControlModifier);
+        QVERIFY(w.settings().topDbm - w.settings().bottomDbm >= 1);
+        QVERIFY(w.settings().topDbm - w.settings().bottomDbm <= 5); // whole dB: it settles there
+        QCOMPARE(w.density()->settings(), w.settings());
+        // The waterfall's vertical axis is sweeps: its wheel there changes no levels.
+        const DisplaySettings levels = w.settings();
+        const QRectF fallPlot = w.waterfall()->plotLayout().plot;
+        wheel(w.waterfall(), QPoint(int(fallPlot.left() / 2), int(fallPlot.center().y())),
+              QPoint(0, 120), Qt::NoModifier);
+        QCOMPARE(w.settings(), levels);
+
         // Outside the plot the wheel does nothing; a new band starts whole.
-        wheel(view, QPoint(2, 2), QPoint(0, 120), Qt::NoModifier);
+        wheel(view, QPoint(2, 2), QPoint(0, 120), Qt::NoModifier); // the corner above the axis
         QCOMPARE(w.settings().spanHighHz, 0.0);
         w.setSpan(5500e6, 5520e6);
         feed.configure(*wsa::findBand(wsa::BandId::Ghz6));
