@@ -21,7 +21,7 @@ endforeach()
 
 if(CHECK_BAND_NUMBERS)
     # MHz figures of the bands' edges, grids and first/last channels, and their Hz forms.
-    set(numbers "2399|2400|2412|2472|2484|2490|2491|5150|5159|5160|5170|5180|5835|5836|5885|5895|5924|5925|5955|7115|7125")
+    set(numbers "2399|2400|2407|2412|2472|2484|2490|2491|5150|5159|5160|5170|5180|5835|5836|5885|5895|5924|5925|5955|7115|7125")
     set(pattern "(^|[^0-9.])(${numbers})(e6|000000|\\.0)?([^0-9]|$)")
     file(GLOB_RECURSE code LIST_DIRECTORIES false
         ${ROOT}/core/*.cpp ${ROOT}/core/*.h ${ROOT}/analyzer/*.cpp ${ROOT}/analyzer/*.h
