@@ -1,6 +1,7 @@
 #include "frontstream.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace wsa
@@ -91,6 +92,30 @@ bool encodeRecording(std::vector<char>& out, std::int64_t bytes, const std::stri
     return encodeText(out, FrameKind::Recording, reinterpret_cast<const char*>(&bytes), 8, path);
 }
 
+bool encodeReplay(std::vector<char>& out, const ReplayFrame& frame)
+{
+    std::size_t at = 0;
+    if (!begin(out, FrameKind::Replay, 32, at))
+        return false;
+    put(out, frame.position);
+    put(out, frame.duration);
+    put(out, frame.speed);
+    put(out, std::int32_t(frame.paused));
+    put(out, std::int32_t(frame.loop));
+    return true;
+}
+
+bool encodeControl(std::vector<char>& out, ControlCommand command, double value)
+{
+    std::size_t at = 0;
+    if (!begin(out, FrameKind::Control, 16, at))
+        return false;
+    put(out, std::int32_t(command));
+    put(out, std::int32_t(0));
+    put(out, value);
+    return true;
+}
+
 FrameReader::FrameReader(Handlers handlers) : m_handlers(std::move(handlers))
 {
     m_buffer.reserve(kFrameHeaderSize + kMaxFramePayload);
@@ -127,12 +152,12 @@ void FrameReader::feed(const char* bytes, std::size_t size)
         size -= take;
         for (;;) {
             const std::size_t have = m_buffer.size() - m_start;
-            if (have < kFrameHeaderSize) {
-                // A damaged stretch may end in a lone 'W': it waits for more bytes.
-                if (have > 0 && m_buffer[m_start] != kMagic0)
-                    m_start = m_buffer.size();
-                break;
+            if (have > 0 && m_buffer[m_start] != kMagic0) {
+                damaged("bad frame header");
+                continue;
             }
+            if (have < kFrameHeaderSize)
+                break;
             const char* p = m_buffer.data() + m_start;
             const std::uint32_t length = get<std::uint32_t>(p + 4);
             if (p[0] != kMagic0 || p[1] != kMagic1 || p[3] != 0 || length > kMaxFramePayload) {
@@ -204,6 +229,27 @@ bool FrameReader::takeFrame(std::uint8_t kind, const char* p, std::uint32_t size
         if (m_handlers.recording)
             m_handlers.recording(get<std::int64_t>(p), std::string(p + 8, size - 8));
         return true;
+    case FrameKind::Replay: {
+        if (size != 32)
+            return false;
+        ReplayFrame f{get<double>(p), get<double>(p + 8), get<double>(p + 16),
+                      get<std::int32_t>(p + 24) != 0, get<std::int32_t>(p + 28) != 0};
+        if (!std::isfinite(f.position) || !std::isfinite(f.duration) || !(f.speed > 0))
+            return false;
+        if (m_handlers.replay)
+            m_handlers.replay(f);
+        return true;
+    }
+    case FrameKind::Control: {
+        if (size != 16)
+            return false;
+        const double value = get<double>(p + 8);
+        if (!std::isfinite(value))
+            return false;
+        if (m_handlers.control)
+            m_handlers.control(ControlCommand(get<std::int32_t>(p)), value);
+        return true;
+    }
     }
     return true; // a kind this reader does not know: skipped whole
 }

@@ -9,6 +9,10 @@
 //   Status      i32 code (StatusCode), then UTF-8 text naming the cause and the remedy
 //   Analysis    one JSON object of the analysis, UTF-8, without a newline
 //   Recording   i64 bytes written so far, then the file's path (empty: not recording)
+//   Replay      f64 position, f64 duration (seconds of the recording), f64 speed, i32 paused,
+//               i32 loop: where a replay stands, sent as it changes and about once a second
+//   Control     i32 command (ControlCommand), i32 0, f64 value: the one kind a front-end sends
+//               to the engine (pause, speed, seek, loop, recording on or off)
 #ifndef CORE_FRONTSTREAM_H
 #define CORE_FRONTSTREAM_H
 
@@ -27,6 +31,24 @@ enum class FrameKind : std::uint8_t {
     Status = 3,
     Analysis = 4,
     Recording = 5,
+    Replay = 6,
+    Control = 16,
+};
+
+enum class ControlCommand : std::int32_t {
+    Pause = 1,   // value 1 pauses, 0 resumes
+    Speed = 2,   // value: factor on the recording's pace, 0.1 to 100
+    Seek = 3,    // value: seconds from the recording's start
+    Loop = 4,    // value 1: start again at the end
+    Record = 5,  // value 1: record what is sent from now on, 0: stop recording
+};
+
+struct ReplayFrame {
+    double position = 0;
+    double duration = 0;
+    double speed = 1;
+    bool paused = false;
+    bool loop = false;
 };
 
 // Why a source stopped or could not start; the text says the rest (a file's name, a program's
@@ -73,6 +95,8 @@ bool encodeSweep(std::vector<char>& out, double seconds, const float* dbm, int b
 bool encodeStatus(std::vector<char>& out, StatusCode code, const std::string& text);
 bool encodeAnalysis(std::vector<char>& out, const std::string& json);
 bool encodeRecording(std::vector<char>& out, std::int64_t bytes, const std::string& path);
+bool encodeReplay(std::vector<char>& out, const ReplayFrame& frame);
+bool encodeControl(std::vector<char>& out, ControlCommand command, double value);
 
 // Reads frames from a byte stream in pieces of any size and hands each valid one to its handler.
 // A frame with a bad magic, an oversized length or a payload that does not match its kind is
@@ -88,6 +112,8 @@ public:
         std::function<void(const std::string&)> analysis;
         std::function<void(std::int64_t, const std::string&)> recording;
         std::function<void(const char* what)> damage;
+        std::function<void(const ReplayFrame&)> replay;
+        std::function<void(ControlCommand, double)> control;
     };
 
     explicit FrameReader(Handlers handlers);

@@ -32,6 +32,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         [](const std::string& json) { require(json.size() <= wsa::kMaxFramePayload); },
         [](std::int64_t, const std::string& path) { require(path.size() <= wsa::kMaxFramePayload); },
         [](const char*) {},
+        [](const wsa::ReplayFrame& r) { require(r.speed > 0); },
+        [](wsa::ControlCommand, double value) { require(value == value); },
     });
     // The first byte chooses the piece size, so one input is read in many splits.
     const std::size_t piece = size > 0 ? 1 + data[0] % 64 : 1;
