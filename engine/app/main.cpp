@@ -75,6 +75,12 @@ int main(int argc, char* argv[])
                          std::strerror(errno));
             return 1;
         }
+        std::string why;
+        if (!listenerIsOurs(fd, why)) {
+            std::fprintf(stderr, "wsa_raw: refusing ./SERVERSOCK: %s\n", why.c_str());
+            close(fd);
+            return 1;
+        }
         analyzer = std::make_unique<RecordSocketSink>(fd);
     }
     std::unique_ptr<CsvRecorderSink> recorder;

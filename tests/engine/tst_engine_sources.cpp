@@ -4,6 +4,7 @@
 #include <QtTest>
 #include <cmath>
 #include <poll.h>
+#include <pwd.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
@@ -195,6 +196,8 @@ private slots:
     void documentedSampleLineParses();
     void recordOnly_data();
     void recordOnly();
+    void refusesForeignListener_data();
+    void refusesForeignListener();
 };
 
 // The stand-in reads -70 dB everywhere but in the 1 MHz bin from signalMHz, where it alternates
@@ -625,6 +628,68 @@ void TestEngineSources::recordOnly()
              qPrintable(QString::number(rows.size())));
     for (const QString& row : rows)
         QCOMPARE(row.count(','), 5 + Band{false}.shown());
+}
+
+// A listener at SERVERSOCK that did not start the engine, another user's or a stranger's of our
+// own, gets nothing: the engine says why and ends with status 1.
+void TestEngineSources::refusesForeignListener_data()
+{
+    QTest::addColumn<bool>("otherUser");
+    QTest::newRow("another user") << true;
+    QTest::newRow("our user, not an ancestor") << false;
+}
+
+void TestEngineSources::refusesForeignListener()
+{
+    QFETCH(bool, otherUser);
+    const passwd* nobody = getpwnam("nobody");
+    if (otherUser && (geteuid() != 0 || !nobody))
+        QSKIP("needs root and the user nobody to listen as another user");
+    QTemporaryDir dir;
+    QVERIFY(QFile::setPermissions(dir.path(), QFileDevice::Permissions(0x7777)));
+    const QByteArray path = dir.filePath("SERVERSOCK").toLocal8Bit();
+    int report[2];
+    QCOMPARE(pipe(report), 0);
+    const pid_t listener = fork();
+    if (listener == 0) {
+        // The stranger: listens, takes one connection and reports how many bytes it got.
+        if (otherUser && (setgid(nobody->pw_gid) != 0 || setuid(nobody->pw_uid) != 0))
+            _exit(2);
+        const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
+        sockaddr_un addr{AF_UNIX, {}};
+        std::strncpy(addr.sun_path, path.constData(), sizeof addr.sun_path - 1);
+        if (bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) != 0 || listen(fd, 1) != 0)
+            _exit(3);
+        (void)!write(report[1], "L", 1);
+        const int link = accept(fd, nullptr, nullptr);
+        char buffer[4096];
+        long total = 0;
+        for (ssize_t n; (n = read(link, buffer, sizeof buffer)) > 0;)
+            total += n;
+        (void)!write(report[1], &total, sizeof total);
+        _exit(0);
+    }
+    close(report[1]);
+    char listening = 0;
+    QCOMPARE(read(report[0], &listening, 1), ssize_t(1));
+
+    QProcess engine;
+    engine.setWorkingDirectory(dir.path());
+    QFile::link(WSA_ENGINE_BIN, dir.filePath("engine"));
+    engine.start(dir.filePath("engine"), {});
+    QVERIFY(engine.waitForFinished(10000));
+    long received = -1;
+    QCOMPARE(read(report[0], &received, sizeof received), ssize_t(sizeof received));
+    close(report[0]);
+    waitpid(listener, nullptr, 0);
+    QCOMPARE(received, 0L);
+    QCOMPARE(engine.exitCode(), 1);
+    const QStringList lines =
+        QString(engine.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 1);
+    QVERIFY2(lines[0].startsWith("wsa_raw: refusing ./SERVERSOCK: ") &&
+                 lines[0].contains(otherUser ? "user" : "did not start us"),
+             qPrintable(lines[0]));
 }
 
 QTEST_GUILESS_MAIN(TestEngineSources)
