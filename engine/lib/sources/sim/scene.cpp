@@ -135,13 +135,14 @@ constexpr SceneSpec kScenes[] = {
     {wsa::BandId::Ghz6, kWifi6, countOf(kWifi6), nullptr, 0, nullptr, 0, false},
 };
 
-// Every band of the plan has a scene; a band without one is a build mistake caught by the tests.
+// A band without a scene of its own shows its noise floor only, never another band's emitters.
 const SceneSpec& sceneOf(wsa::BandId band)
 {
+    static constexpr SceneSpec kQuiet{wsa::BandId::Ghz24, nullptr, 0, nullptr, 0, nullptr, 0, false};
     for (const SceneSpec& spec : kScenes)
         if (spec.band == band)
             return spec;
-    return kScenes[0];
+    return kQuiet;
 }
 
 const Shape& wifiShape(int widthMHz)
