@@ -220,6 +220,12 @@ void TestEngineSources::hackrfLevels_data()
         << 2489 << -50 << -50;
     QTest::newRow("5 GHz, peak") << b5 << QStringList{"STANDIN_SIGNAL_MHZ=5500"} << 5500 << -50
                                  << -50;
+    // The same program through the general source, its range from the placeholders.
+    QTest::newRow("any program, 5 GHz")
+        << b5
+        << QStringList{"STANDIN_SIGNAL_MHZ=5500", "WSA_SOURCE=program",
+                       "WSA_SWEEP_PROGRAM=" + kStandIn + " -f {low_mhz}:{high_mhz} -w 1000000"}
+        << 5500 << -50 << -50;
     QTest::newRow("6 GHz, peak") << kBand6 << QStringList{"STANDIN_SIGNAL_MHZ=6500"} << 6500
                                  << -50 << -50;
 }
@@ -280,7 +286,7 @@ void TestEngineSources::hackrfFaults_data()
         << standIn({"STANDIN_SWEEPS=40", "STANDIN_THEN=garbage"}) << "CSSSSD"
         << "gave no valid row for 2.0 s";
     QTest::newRow("unknown source") << QStringList{"WSA_SOURCE=radio"} << "N"
-                                    << "unknown WSA_SOURCE=radio: use sim, hackrf or replay";
+                                    << "unknown WSA_SOURCE=radio: use sim, hackrf, program or replay";
 }
 
 void TestEngineSources::hackrfFaults()
