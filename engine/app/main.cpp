@@ -41,7 +41,8 @@ int stopFdOnSignals()
 {
     if (pipe2(s_stopPipe, O_CLOEXEC | O_NONBLOCK) != 0)
         return -1;
-    struct sigaction action{};
+    struct sigaction action {
+    };
     action.sa_handler = onStopSignal;
     sigaction(SIGTERM, &action, nullptr);
     sigaction(SIGINT, &action, nullptr);

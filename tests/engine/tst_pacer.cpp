@@ -43,10 +43,7 @@ public:
     }
     SinkResult fault(Fault f) override { return note(f == Fault::NoProbe ? 'N' : 'D'); }
     SinkResult damaged(Damage, const int*, int) override { return note('X'); }
-    void reason(StatusReason r, const std::string& text) override
-    {
-        reasons.emplace_back(r, text);
-    }
+    void reason(StatusReason r, const std::string& text) override { reasons.emplace_back(r, text); }
     std::vector<std::pair<StatusReason, std::string>> reasons;
 
 private:
@@ -141,8 +138,8 @@ void TestPacer::outputRate()
         const Pacer::Step step = pacer.service({&sink});
         QCOMPARE(step.result, SinkResult::Ok);
         // Between slots it asks to be woken for the next one, never later.
-        QVERIFY(!pacer.pending() || (step.wakeNs > clock.nowNs() - 1 &&
-                                     step.wakeNs <= clock.nowNs() + 100000000LL));
+        QVERIFY(!pacer.pending() ||
+                (step.wakeNs > clock.nowNs() - 1 && step.wakeNs <= clock.nowNs() + 100000000LL));
         clock.advanceMs(10);
     }
     QVERIFY2(sink.sweeps.size() >= 10 && sink.sweeps.size() <= 11,
@@ -322,9 +319,8 @@ void TestPacer::failuresCarryTheirReason_data()
     QTest::newRow("program not installed")
         << "hackrf" << QStringList{"WSA_HACKRF_SWEEP=/nonexistent/hackrf_sweep"}
         << int(StatusReason::ProgramMissing) << "install the hackrf package";
-    QTest::newRow("no device")
-        << "hackrf" << QStringList{"WSA_HACKRF_SWEEP=false"} << int(StatusReason::NoDevice)
-        << "false ended before measuring";
+    QTest::newRow("no device") << "hackrf" << QStringList{"WSA_HACKRF_SWEEP=false"}
+                               << int(StatusReason::NoDevice) << "false ended before measuring";
     QTest::newRow("program not executable")
         << "hackrf" << QStringList{"WSA_HACKRF_SWEEP=" + QString(WSA_SOURCE_DIR) + "/README.md"}
         << int(StatusReason::ProgramMissing) << "README.md is not installed";
@@ -337,8 +333,8 @@ void TestPacer::failuresCarryTheirReason_data()
     QTest::newRow("not a recording")
         << "replay" << QStringList{"WSA_REPLAY_FILE=" + QString(WSA_SOURCE_DIR) + "/CMakeLists.txt"}
         << int(StatusReason::NotInBand) << "CMakeLists.txt has no sweep in this band";
-    QTest::newRow("no program given") << "program" << QStringList{}
-                                      << int(StatusReason::ProgramMissing) << "WSA_SWEEP_PROGRAM";
+    QTest::newRow("no program given")
+        << "program" << QStringList{} << int(StatusReason::ProgramMissing) << "WSA_SWEEP_PROGRAM";
 }
 
 void TestPacer::failuresCarryTheirReason()

@@ -129,8 +129,7 @@ int SweepProgramSource::run(Engine& engine)
     int attempts = 0;
     const long long firstRowDeadline = engine.nowNs() + kFirstRowNs;
     for (;;) {
-        const long long deadline =
-            m_configured ? m_lastRowNs + silenceLimitNs() : firstRowDeadline;
+        const long long deadline = m_configured ? m_lastRowNs + silenceLimitNs() : firstRowDeadline;
         const WaitResult waited = engine.waitFor(child.fd(), deadline, child.errFd());
         if (waited == WaitResult::Closed)
             return 0;
@@ -194,8 +193,9 @@ std::unique_ptr<Source> makeSweepProgramSource(const SweepCommand& command, cons
 const std::vector<Variable>& hackRfVariables()
 {
     static const std::vector<Variable> table = {
-        text("WSA_HACKRF_SWEEP", "hackrf_sweep", "the sweep program of the hackrf source, found "
-                                                 "on PATH unless a path is given"),
+        text("WSA_HACKRF_SWEEP", "hackrf_sweep",
+             "the sweep program of the hackrf source, found "
+             "on PATH unless a path is given"),
         number("WSA_HACKRF_BIN_HZ", "Hz", 2445, 5000000, "250000",
                "the bin width hackrf_sweep is asked for (-w)"),
     };
@@ -244,7 +244,8 @@ SweepCommand programCommand(const Settings& settings, const wsa::Band& band)
         {"{high_mhz}", std::to_string(highMHz)},
         {"{low_hz}", std::to_string(std::llround(band.grid.lowEdgeHz()))},
         {"{high_hz}", std::to_string(std::llround(band.grid.highEdgeHz()))}};
-    SweepCommand command{{}, settings.has("WSA_LEVEL_OFFSET_DB") ? settings.number("WSA_LEVEL_OFFSET_DB") : 0.0, {}};
+    SweepCommand command{
+        {}, settings.has("WSA_LEVEL_OFFSET_DB") ? settings.number("WSA_LEVEL_OFFSET_DB") : 0.0, {}};
     const std::string line = settings.text("WSA_SWEEP_PROGRAM");
     for (std::size_t at = 0; at < line.size();) {
         const std::size_t end = std::min(line.find_first_of(" \t", at), line.size());
