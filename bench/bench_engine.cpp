@@ -198,7 +198,8 @@ private:
         m_arrivals.resize(100000);
         // The analyzer bin holding the marker bin's centre.
         const double markerMHz = kMarkerMHz + m_binHz / 2e6;
-        const int markerBin = int(std::lround((markerMHz * 1e6 - grid24().startHz) / grid24().stepHz));
+        const int markerBin =
+            int(std::lround((markerMHz * 1e6 - grid24().startHz) / grid24().stepHz));
         for (;;) {
             stSweep r;
             if (recv(m_link, &r, sizeof r, MSG_WAITALL) != ssize_t(sizeof r))

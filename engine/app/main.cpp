@@ -41,7 +41,8 @@ int stopFdOnSignals()
 {
     if (pipe2(s_stopPipe, O_CLOEXEC | O_NONBLOCK) != 0)
         return -1;
-    struct sigaction action{};
+    struct sigaction action {
+    };
     action.sa_handler = onStopSignal;
     sigaction(SIGTERM, &action, nullptr);
     sigaction(SIGINT, &action, nullptr);
@@ -73,6 +74,12 @@ int main(int argc, char* argv[])
         if (fd < 0) {
             std::fprintf(stderr, "wsa_raw: cannot connect to ./SERVERSOCK: %s\n",
                          std::strerror(errno));
+            return 1;
+        }
+        std::string why;
+        if (!listenerIsOurs(fd, why)) {
+            std::fprintf(stderr, "wsa_raw: refusing ./SERVERSOCK: %s\n", why.c_str());
+            close(fd);
             return 1;
         }
         analyzer = std::make_unique<RecordSocketSink>(fd);

@@ -11,8 +11,7 @@ namespace
 constexpr int kReaderRecheckMs = 10;
 
 // Calls every sink in order, stopping at the first that does not take it.
-template <typename Call>
-SinkResult toAll(const std::vector<Sink*>& sinks, Call call)
+template <typename Call> SinkResult toAll(const std::vector<Sink*>& sinks, Call call)
 {
     for (Sink* sink : sinks) {
         const SinkResult result = call(*sink);

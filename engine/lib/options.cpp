@@ -48,7 +48,8 @@ bool realNumber(const char* value, double& number)
 bool oneOf(const char* values, const char* value)
 {
     const std::string list = std::string("|") + values + "|";
-    return !std::strchr(value, '|') && list.find("|" + std::string(value) + "|") != std::string::npos;
+    return !std::strchr(value, '|') &&
+           list.find("|" + std::string(value) + "|") != std::string::npos;
 }
 
 bool valid(const Variable& v, const char* value)
@@ -124,8 +125,8 @@ std::string Variable::accepted() const
     switch (kind) {
     case Kind::Number:
     case Kind::Count:
-        return std::string(unit) + ", " + (zeroAllowed ? "0 or " : "") + shortNumber(min) +
-               " to " + shortNumber(max);
+        return std::string(unit) + ", " + (zeroAllowed ? "0 or " : "") + shortNumber(min) + " to " +
+               shortNumber(max);
     case Kind::Seed:
         return "an unsigned 64-bit number";
     case Kind::Flag:

@@ -15,10 +15,10 @@ struct Variable {
     enum class Kind { Number, Count, Seed, Flag, Text, Choice };
     const char* name;
     Kind kind;
-    double min;         // Number, Count: the accepted range, both ends included
+    double min; // Number, Count: the accepted range, both ends included
     double max;
-    bool zeroAllowed;   // Number: 0 is accepted besides the range (it means "none")
-    const char* unit;   // Number, Count: "records per second"; Choice: "peak|average"
+    bool zeroAllowed;     // Number: 0 is accepted besides the range (it means "none")
+    const char* unit;     // Number, Count: "records per second"; Choice: "peak|average"
     const char* fallback; // the default, as documented
     const char* meaning;
 

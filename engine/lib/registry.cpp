@@ -10,6 +10,8 @@ const std::vector<SourceEntry>& sourceTable()
         {"sim", "the simulated probe: a seeded radio scene with fault knobs", simVariables,
          makeSimSource},
         {"hackrf", "a HackRF through hackrf_sweep, read live", hackRfVariables, makeHackRfSource},
+        {"program", "any program writing the sweep CSV layout to its standard output",
+         programVariables, makeProgramSource},
         {"replay", "a recording in the sweep CSV layout, at the pace of its time stamps",
          replayVariables, makeReplaySource},
     };

@@ -21,7 +21,7 @@ struct SourceEntry {
 const std::vector<SourceEntry>& sourceTable();
 // The source of that name, or null.
 const SourceEntry* findSource(const std::string& name);
-// "sim, hackrf or replay"
+// The names for a message: "a, b or c"
 std::string sourceNames();
 
 #endif

@@ -70,7 +70,8 @@ void TestSweepCsv::readsRow()
 void TestSweepCsv::refusesDamage_data()
 {
     QTest::addColumn<QString>("line");
-    const QString good = "2024-03-01, 12:30:05.25, 2400000000, 2402000000, 1000000.00, 20, -70, -71";
+    const QString good =
+        "2024-03-01, 12:30:05.25, 2400000000, 2402000000, 1000000.00, 20, -70, -71";
     QTest::newRow("header") << "date, time, hz_low, hz_high, hz_bin_width, num_samples, dB";
     QTest::newRow("cut inside the levels") << good.left(good.size() - 5);
     QTest::newRow("bins do not fill the span") << good + ", -72";

@@ -99,14 +99,23 @@ void TestEngineOptions::numbersAtAndBeyondBounds()
         const bool whole = v.kind == Variable::Kind::Count;
         const double nudge = whole ? 1 : std::max(1e-9, std::abs(v.min) * 1e-6);
         QStringList good{numberText(v.min), numberText(v.max)};
-        QStringList bad{numberText(v.min - nudge), numberText(v.max + std::max(1.0, v.max * 1e-6)),
-                        "1e-300", "1e300", "nan", "inf", "-inf", "12abc", " ", "0x"};
+        QStringList bad{numberText(v.min - nudge),
+                        numberText(v.max + std::max(1.0, v.max * 1e-6)),
+                        "1e-300",
+                        "1e300",
+                        "nan",
+                        "inf",
+                        "-inf",
+                        "12abc",
+                        " ",
+                        "0x"};
         if (v.zeroAllowed)
             good << "0";
         else if (v.min > 0)
             bad << "0";
         if (whole)
-            bad << "1.5" << "99999999999999999999999";
+            bad << "1.5"
+                << "99999999999999999999999";
         for (const QString& value : good) {
             QString said;
             const Options o = parseWith({}, v.name, value, &said);

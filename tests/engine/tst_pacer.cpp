@@ -43,6 +43,8 @@ public:
     }
     SinkResult fault(Fault f) override { return note(f == Fault::NoProbe ? 'N' : 'D'); }
     SinkResult damaged(Damage, const int*, int) override { return note('X'); }
+    void reason(StatusReason r, const std::string& text) override { reasons.emplace_back(r, text); }
+    std::vector<std::pair<StatusReason, std::string>> reasons;
 
 private:
     SinkResult note(char c)
@@ -120,6 +122,8 @@ private slots:
     void sinkFailureStops();
     void observersSeeEverySweep();
     void twoEnginesInOneProcess();
+    void failuresCarryTheirReason_data();
+    void failuresCarryTheirReason();
 };
 
 // Sweeps every 10 ms for a second reach the sinks ten times at 10 records a second.
@@ -134,8 +138,8 @@ void TestPacer::outputRate()
         const Pacer::Step step = pacer.service({&sink});
         QCOMPARE(step.result, SinkResult::Ok);
         // Between slots it asks to be woken for the next one, never later.
-        QVERIFY(!pacer.pending() || (step.wakeNs > clock.nowNs() - 1 &&
-                                     step.wakeNs <= clock.nowNs() + 100000000LL));
+        QVERIFY(!pacer.pending() ||
+                (step.wakeNs > clock.nowNs() - 1 && step.wakeNs <= clock.nowNs() + 100000000LL));
         clock.advanceMs(10);
     }
     QVERIFY2(sink.sweeps.size() >= 10 && sink.sweeps.size() <= 11,
@@ -303,6 +307,55 @@ void TestPacer::twoEnginesInOneProcess()
         const int shown = (i == 3 ? b5 : band24()).grid.shown;
         QCOMPARE(*std::max_element(first.begin(), first.begin() + shown), i == 3 ? -40 : -50);
     }
+}
+
+// Front-ends other than the handheld learn why a source cannot deliver, by name.
+void TestPacer::failuresCarryTheirReason_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QStringList>("settings");
+    QTest::addColumn<int>("reason");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("program not installed")
+        << "hackrf" << QStringList{"WSA_HACKRF_SWEEP=/nonexistent/hackrf_sweep"}
+        << int(StatusReason::ProgramMissing) << "install the hackrf package";
+    QTest::newRow("no device") << "hackrf" << QStringList{"WSA_HACKRF_SWEEP=false"}
+                               << int(StatusReason::NoDevice) << "false ended before measuring";
+    QTest::newRow("program not executable")
+        << "hackrf" << QStringList{"WSA_HACKRF_SWEEP=" + QString(WSA_SOURCE_DIR) + "/README.md"}
+        << int(StatusReason::ProgramMissing) << "README.md is not installed";
+    QTest::newRow("recording missing")
+        << "replay" << QStringList{"WSA_REPLAY_FILE=/nonexistent/rec.csv"}
+        << int(StatusReason::FileUnusable) << "/nonexistent/rec.csv";
+    QTest::newRow("recording not a file")
+        << "replay" << QStringList{"WSA_REPLAY_FILE=/dev/null"} << int(StatusReason::FileUnusable)
+        << "/dev/null is not a regular file";
+    QTest::newRow("not a recording")
+        << "replay" << QStringList{"WSA_REPLAY_FILE=" + QString(WSA_SOURCE_DIR) + "/CMakeLists.txt"}
+        << int(StatusReason::NotInBand) << "CMakeLists.txt has no sweep in this band";
+    QTest::newRow("no program given")
+        << "program" << QStringList{} << int(StatusReason::ProgramMissing) << "WSA_SWEEP_PROGRAM";
+}
+
+void TestPacer::failuresCarryTheirReason()
+{
+    QFETCH(QString, source);
+    QFETCH(QStringList, settings);
+    QFETCH(int, reason);
+    QFETCH(QString, text);
+    Settings s;
+    for (const QString& setting : settings)
+        s.set(setting.section('=', 0, 0).toStdString(), setting.section('=', 1).toStdString());
+    FakeClock clock(2000000);
+    MemorySink sink;
+    Engine engine(band24(), clock, Detector::Peak, 8);
+    engine.addSink(&sink);
+    QCOMPARE(findSource(source.toStdString())->make(s, band24())->run(engine), 0);
+    QCOMPARE(sink.events, std::string("N"));
+    QCOMPARE(sink.reasons.size(), std::size_t(1));
+    QCOMPARE(int(sink.reasons[0].first), reason);
+    QVERIFY2(QString::fromStdString(sink.reasons[0].second).contains(text),
+             sink.reasons[0].second.c_str());
 }
 
 QTEST_GUILESS_MAIN(TestPacer)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <linux/sockios.h>
 #include <sys/ioctl.h>
@@ -36,6 +37,55 @@ int connectToAnalyzer(const char* path, int attempts, int intervalMs)
     }
     errno = lastErrno;
     return -1;
+}
+
+namespace
+{
+
+// The parent of `pid` from /proc, or -1.
+pid_t parentOf(pid_t pid)
+{
+    char path[64];
+    std::snprintf(path, sizeof path, "/proc/%d/stat", int(pid));
+    std::FILE* f = std::fopen(path, "re");
+    if (!f)
+        return -1;
+    char text[512];
+    const std::size_t n = std::fread(text, 1, sizeof text - 1, f);
+    std::fclose(f);
+    text[n] = '\0';
+    // "pid (name) state ppid ...": the name may hold anything, so look after its last ')'.
+    const char* close = std::strrchr(text, ')');
+    char state = 0;
+    int ppid = -1;
+    if (!close || std::sscanf(close + 1, " %c %d", &state, &ppid) != 2)
+        return -1;
+    return pid_t(ppid);
+}
+
+} // namespace
+
+bool listenerIsOurs(int fd, std::string& why)
+{
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) {
+        why = std::string("cannot tell who listens: ") + std::strerror(errno);
+        return false;
+    }
+    if (peer.uid != geteuid()) {
+        why = "it is user " + std::to_string(peer.uid) + "'s";
+        return false;
+    }
+    // Bounded: a loop in a process tree cannot happen, a damaged /proc should not hang us.
+    pid_t pid = getppid();
+    for (int depth = 0; depth < 256 && pid > 0; ++depth) {
+        if (pid == peer.pid)
+            return true;
+        pid = parentOf(pid);
+    }
+    why = "its process " + std::to_string(peer.pid) + " did not start us";
+    return false;
 }
 
 RecordSocketSink::~RecordSocketSink()

@@ -3,6 +3,7 @@
 #define ENGINE_RECORDSOCKET_H
 
 #include <cstddef>
+#include <string>
 
 #include "halbrin_sa.h"
 #include "sink.h"
@@ -10,6 +11,11 @@
 // Connects to the listening socket at `path`, trying every intervalMs while it is not listening
 // yet. Returns the descriptor, or -1 with errno of the last attempt.
 int connectToAnalyzer(const char* path, int attempts, int intervalMs);
+
+// Whether the process listening at the other end of `fd` is the analyzer that started us: the
+// same user, and our parent or one of its ancestors (the analyzer may start us through a shell
+// that leaves us to a reaper of its own). When not, `why` says who it is.
+bool listenerIsOurs(int fd, std::string& why);
 
 class RecordSocketSink : public Sink
 {

@@ -59,8 +59,8 @@ struct WifiChannel {
 
 // A nearby access point on the first channel of each band, busier and weaker ones further off.
 constexpr WifiChannel kWifi24[] = {
-    {1, 1, 20, -36, 0.45},   {6, 6, 20, -47, 0.25},   {11, 11, 20, -58, 0.20},
-    {5, 9, 40, -66, 0.10},   {13, 13, 20, -74, 0.08},
+    {1, 1, 20, -36, 0.45}, {6, 6, 20, -47, 0.25},   {11, 11, 20, -58, 0.20},
+    {5, 9, 40, -66, 0.10}, {13, 13, 20, -74, 0.08},
 };
 // Access points at 5 GHz are further off or behind walls in a survey: their levels stay inside
 // the analyzer's -100..-50 dBm range for the band.
@@ -104,8 +104,7 @@ double toMilliwatts(double dbm)
     return std::pow(10.0, dbm / 10.0);
 }
 
-template <typename T, std::size_t N>
-constexpr int countOf(const T (&)[N])
+template <typename T, std::size_t N> constexpr int countOf(const T (&)[N])
 {
     return int(N);
 }
@@ -135,18 +134,23 @@ constexpr SceneSpec kScenes[] = {
     {wsa::BandId::Ghz6, kWifi6, countOf(kWifi6), nullptr, 0, nullptr, 0, false},
 };
 
-// Every band of the plan has a scene; a band without one is a build mistake caught by the tests.
+// A band without a scene of its own shows its noise floor only, never another band's emitters.
 const SceneSpec& sceneOf(wsa::BandId band)
 {
+    static constexpr SceneSpec kQuiet{
+        wsa::BandId::Ghz24, nullptr, 0, nullptr, 0, nullptr, 0, false};
     for (const SceneSpec& spec : kScenes)
         if (spec.band == band)
             return spec;
-    return kScenes[0];
+    return kQuiet;
 }
 
 const Shape& wifiShape(int widthMHz)
 {
-    return widthMHz >= 160 ? kWifi160 : widthMHz >= 80 ? kWifi80 : widthMHz >= 40 ? kWifi40 : kWifi20;
+    return widthMHz >= 160  ? kWifi160
+           : widthMHz >= 80 ? kWifi80
+           : widthMHz >= 40 ? kWifi40
+                            : kWifi20;
 }
 
 } // namespace
@@ -219,8 +223,8 @@ void Scene::addWifi()
             else
                 from = cut;
         }
-        addCarrier(wifiShape(ch.widthMHz), centreMHz, ch.levelDbm + 2.0 * m_rng.gauss(), 0.8,
-                   from, to);
+        addCarrier(wifiShape(ch.widthMHz), centreMHz, ch.levelDbm + 2.0 * m_rng.gauss(), 0.8, from,
+                   to);
     }
 }
 

@@ -93,8 +93,8 @@ SinkResult SimSource::due(Engine& engine, long& made)
     const int samples = m_scene.layout().samples;
     // The damaged records bypass pacing: they stand for a broken link, and count as no sweep.
     if (reached(m_settings.corruptAfter, made) && m_corruptSent < 2)
-        return engine.damaged(m_corruptSent++ == 0 ? Damage::BadCount : Damage::UnknownType,
-                              m_data, samples);
+        return engine.damaged(m_corruptSent++ == 0 ? Damage::BadCount : Damage::UnknownType, m_data,
+                              samples);
     m_scene.nextSweep(m_data);
     const bool cut = reached(m_settings.shortAfter, made);
     ++made;
@@ -133,13 +133,9 @@ const std::vector<Variable>& simVariables()
 
 std::unique_ptr<Source> makeSimSource(const Settings& s, const wsa::Band& band)
 {
-    const SimSettings settings{s.seed("WSA_SIM_SEED"),
-                               s.number("WSA_SIM_RATE"),
-                               s.flag("WSA_SIM_NO_PROBE"),
-                               s.count("WSA_SIM_LOSE_AFTER"),
-                               s.count("WSA_SIM_DIE_AFTER"),
-                               s.count("WSA_SIM_SHORT_AFTER"),
-                               s.count("WSA_SIM_CORRUPT_AFTER"),
-                               s.count("WSA_SIM_SWEEPS")};
+    const SimSettings settings{s.seed("WSA_SIM_SEED"),           s.number("WSA_SIM_RATE"),
+                               s.flag("WSA_SIM_NO_PROBE"),       s.count("WSA_SIM_LOSE_AFTER"),
+                               s.count("WSA_SIM_DIE_AFTER"),     s.count("WSA_SIM_SHORT_AFTER"),
+                               s.count("WSA_SIM_CORRUPT_AFTER"), s.count("WSA_SIM_SWEEPS")};
     return std::make_unique<SimSource>(settings, band);
 }

@@ -77,10 +77,11 @@ int SweepProgramSource::lost(Engine& engine, const std::string& why)
 int SweepProgramSource::cannotRun(Engine& engine, int error)
 {
     const std::string& program = m_command.argv[0];
-    const StatusReason reason =
-        error == ENOENT || error == EACCES ? StatusReason::ProgramMissing : StatusReason::NoDevice;
-    if (reason == StatusReason::ProgramMissing && !m_command.installHint.empty())
-        engine.reason(reason, program + " is not installed: " + m_command.installHint);
+    const bool missing = error == ENOENT || error == EACCES;
+    engine.reason(missing ? StatusReason::ProgramMissing : StatusReason::NoDevice,
+                  missing ? program + " is not installed" +
+                                (m_command.installHint.empty() ? "" : ": " + m_command.installHint)
+                          : program + " cannot run: " + std::strerror(error));
     std::fprintf(stderr, "wsa_raw: no probe: cannot run %s: %s\n", program.c_str(),
                  std::strerror(error));
     return engine.fault(Fault::NoProbe) == SinkResult::Ok ? 0 : 1;
@@ -128,8 +129,7 @@ int SweepProgramSource::run(Engine& engine)
     int attempts = 0;
     const long long firstRowDeadline = engine.nowNs() + kFirstRowNs;
     for (;;) {
-        const long long deadline =
-            m_configured ? m_lastRowNs + silenceLimitNs() : firstRowDeadline;
+        const long long deadline = m_configured ? m_lastRowNs + silenceLimitNs() : firstRowDeadline;
         const WaitResult waited = engine.waitFor(child.fd(), deadline, child.errFd());
         if (waited == WaitResult::Closed)
             return 0;
@@ -172,6 +172,17 @@ int SweepProgramSource::run(Engine& engine)
     }
 }
 
+// The program source without a program: says so.
+class NothingToRun : public Source
+{
+public:
+    int run(Engine& engine) override
+    {
+        return noProbe(engine, StatusReason::ProgramMissing, "no sweep program to run",
+                       "WSA_SWEEP_PROGRAM is not set");
+    }
+};
+
 } // namespace
 
 std::unique_ptr<Source> makeSweepProgramSource(const SweepCommand& command, const wsa::Band& band)
@@ -182,8 +193,9 @@ std::unique_ptr<Source> makeSweepProgramSource(const SweepCommand& command, cons
 const std::vector<Variable>& hackRfVariables()
 {
     static const std::vector<Variable> table = {
-        text("WSA_HACKRF_SWEEP", "hackrf_sweep", "the sweep program of the hackrf source, found "
-                                                 "on PATH unless a path is given"),
+        text("WSA_HACKRF_SWEEP", "hackrf_sweep",
+             "the sweep program of the hackrf source, found "
+             "on PATH unless a path is given"),
         number("WSA_HACKRF_BIN_HZ", "Hz", 2445, 5000000, "250000",
                "the bin width hackrf_sweep is asked for (-w)"),
     };
@@ -211,4 +223,48 @@ SweepCommand hackRfCommand(const Settings& settings, const wsa::Band& band)
 std::unique_ptr<Source> makeHackRfSource(const Settings& settings, const wsa::Band& band)
 {
     return makeSweepProgramSource(hackRfCommand(settings, band), band);
+}
+
+const std::vector<Variable>& programVariables()
+{
+    static const std::vector<Variable> table = {
+        text("WSA_SWEEP_PROGRAM", "",
+             "the program source's command line: words separated by blanks (no shell), in which "
+             "{low_mhz}, {high_mhz}, {low_hz} and {high_hz} stand for the band's edges"),
+    };
+    return table;
+}
+
+SweepCommand programCommand(const Settings& settings, const wsa::Band& band)
+{
+    const long lowMHz = long(std::floor(band.grid.lowEdgeHz() / 1e6));
+    const long highMHz = long(std::ceil(band.grid.highEdgeHz() / 1e6));
+    const std::pair<const char*, std::string> fields[] = {
+        {"{low_mhz}", std::to_string(lowMHz)},
+        {"{high_mhz}", std::to_string(highMHz)},
+        {"{low_hz}", std::to_string(std::llround(band.grid.lowEdgeHz()))},
+        {"{high_hz}", std::to_string(std::llround(band.grid.highEdgeHz()))}};
+    SweepCommand command{
+        {}, settings.has("WSA_LEVEL_OFFSET_DB") ? settings.number("WSA_LEVEL_OFFSET_DB") : 0.0, {}};
+    const std::string line = settings.text("WSA_SWEEP_PROGRAM");
+    for (std::size_t at = 0; at < line.size();) {
+        const std::size_t end = std::min(line.find_first_of(" \t", at), line.size());
+        std::string word = line.substr(at, end - at);
+        at = end + 1;
+        if (word.empty())
+            continue;
+        for (const auto& [name, value] : fields)
+            for (std::size_t k; (k = word.find(name)) != std::string::npos;)
+                word.replace(k, std::strlen(name), value);
+        command.argv.push_back(word);
+    }
+    return command;
+}
+
+std::unique_ptr<Source> makeProgramSource(const Settings& settings, const wsa::Band& band)
+{
+    SweepCommand command = programCommand(settings, band);
+    if (command.argv.empty())
+        return std::make_unique<NothingToRun>();
+    return makeSweepProgramSource(command, band);
 }

@@ -25,4 +25,9 @@ const std::vector<Variable>& hackRfVariables();
 std::unique_ptr<Source> makeHackRfSource(const Settings& settings, const wsa::Band& band);
 SweepCommand hackRfCommand(const Settings& settings, const wsa::Band& band);
 
+// Any program: WSA_SWEEP_PROGRAM with the band's edges filled in.
+const std::vector<Variable>& programVariables();
+std::unique_ptr<Source> makeProgramSource(const Settings& settings, const wsa::Band& band);
+SweepCommand programCommand(const Settings& settings, const wsa::Band& band);
+
 #endif
