@@ -240,10 +240,14 @@ void TestStandalone::desktopRuntimeDirectory_data()
 {
     QTest::addColumn<QString>("plant");
     QTest::addColumn<QString>("refusal"); // empty: the directory is used
-    QTest::newRow("own directory, too open") << "own" << "";
-    QTest::newRow("symbolic link") << "link" << "is a symbolic link";
-    QTest::newRow("file") << "file" << "is not a directory";
-    QTest::newRow("another user's directory") << "foreign" << "belongs to another user";
+    QTest::newRow("own directory, too open") << "own"
+                                             << "";
+    QTest::newRow("symbolic link") << "link"
+                                   << "is a symbolic link";
+    QTest::newRow("file") << "file"
+                          << "is not a directory";
+    QTest::newRow("another user's directory") << "foreign"
+                                              << "belongs to another user";
 }
 
 void TestStandalone::desktopRuntimeDirectory()
