@@ -89,7 +89,7 @@ int applyOptions(const QStringList& arguments)
     return -1;
 }
 
-// A desktop session ends its programs with SIGTERM (and a terminal with SIGINT): the analyzer
+// Logging out ends a desktop's programs with SIGTERM (and a terminal with SIGINT): the analyzer
 // then closes as if its window were closed, so it stops its engine. The handler only writes a
 // byte; the event loop does the rest.
 int signalPipe[2] = {-1, -1};

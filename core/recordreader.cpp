@@ -149,9 +149,8 @@ void RecordReader::takePending()
     while (end < SA_RECORD_SIZE && !plausibleStart(m_pending + end, SA_RECORD_SIZE - end))
         ++end;
     stSweep record;
+    std::memset(&record, 0, sizeof record);
     std::memcpy(&record, m_pending, static_cast<size_t>(end));
-    std::memset(reinterpret_cast<unsigned char*>(&record) + end, 0,
-                static_cast<size_t>(SA_RECORD_SIZE - end));
     std::memmove(m_pending, m_pending + end, static_cast<size_t>(SA_RECORD_SIZE - end));
     m_fill = SA_RECORD_SIZE - end;
     if (m_onRecord)

@@ -113,12 +113,12 @@ SweepStore::SweepStore(const SweepStoreConfig& config)
 
 bool SweepStore::valid(const SweepStoreConfig& c)
 {
-    const bool finite = std::isfinite(c.minDbm) && std::isfinite(c.maxDbm) &&
-                        std::isfinite(c.densityStepDb);
+    const bool finite =
+        std::isfinite(c.minDbm) && std::isfinite(c.maxDbm) && std::isfinite(c.densityStepDb);
     return finite && c.bins >= 1 && c.bins <= kMaxBins && c.minDbm < c.maxDbm &&
            c.densityStepDb > 0 && densityRowsOf(c) <= kMaxDensityRows && c.historyRows >= 0 &&
-           c.historyRows <= kMaxHistory &&
-           (long long)c.historyRows * c.bins <= kMaxHistoryCells && c.averaging >= 0;
+           c.historyRows <= kMaxHistory && (long long)c.historyRows * c.bins <= kMaxHistoryCells &&
+           c.averaging >= 0;
 }
 
 bool SweepStore::configure(const SweepStoreConfig& config)

@@ -74,11 +74,11 @@ inline bool raiseDensityPeak(long count, long& peak)
 // ---- the store
 
 struct SweepStoreConfig {
-    int bins = 0;           // 1 .. SweepStore::kMaxBins
-    float minDbm = -110;    // display range: density rows and waterfall colours
+    int bins = 0;        // 1 .. SweepStore::kMaxBins
+    float minDbm = -110; // display range: density rows and waterfall colours
     float maxDbm = -10;
-    int historyRows = 0;    // waterfall length in sweeps, 0 .. kMaxHistory
-    int averaging = 0;      // sweeps in the running average; 0 averages everything since reset
+    int historyRows = 0;     // waterfall length in sweeps, 0 .. kMaxHistory
+    int averaging = 0;       // sweeps in the running average; 0 averages everything since reset
     float densityStepDb = 1; // height of one density row
 };
 

@@ -175,9 +175,8 @@ int waitForEngine(const pid_t* started, int startedCount)
     char path[PATH_MAX + 8];
     char command[sizeof path + 16];
     if (wsaShellQuote(image.imagePath, path, sizeof path)) {
-        const int n = argument
-                          ? std::snprintf(command, sizeof command, "%s %s&", path, argument)
-                          : std::snprintf(command, sizeof command, "%s &", path);
+        const int n = argument ? std::snprintf(command, sizeof command, "%s %s&", path, argument)
+                               : std::snprintf(command, sizeof command, "%s &", path);
         // The shell leaves the engine in the background; as its reaper this process stays until
         // that engine ends, so the analyzer sees the fallback end as it sees an engine end.
         (void)prctl(PR_SET_CHILD_SUBREAPER, 1);

@@ -128,7 +128,8 @@ QString wsaEnterDesktopWorkDir()
     // Someone else's link, file or directory at our name: the socket in it would carry the
     // user's measurements to them, so a fresh directory of our own takes its place.
     for (const QString& parent : {base, QDir::tempPath()}) {
-        QByteArray pattern = QFile::encodeName(QDir::cleanPath(parent + QStringLiteral("/wsa-XXXXXX")));
+        QByteArray pattern =
+            QFile::encodeName(QDir::cleanPath(parent + QStringLiteral("/wsa-XXXXXX")));
         if (mkdtemp(pattern.data()) && !enterOwnDir(pattern)) {
             std::printf("wsa: %s %s; using %s instead\n", dir.constData(), refusal,
                         pattern.constData());

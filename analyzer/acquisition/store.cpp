@@ -1,14 +1,14 @@
 // Sweep store: the newest sweep, per-bin statistics, the density table, the recording with its
-// time stamps and waterfall colour rows, and the colour map; and the analyzer's reset and clock,
-// which use them. Levels are dBm (negative); magnitudes are |dBm|.
+// time stamps and waterfall colour rows, and the colour map. Levels are dBm (negative);
+// magnitudes are |dBm|. Nothing here knows the views that show it.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "bandplan.h"
 #include "store.h"
 #include "sweepmodel.h"
-#include "wsa_p.h"
 
 stSweep currentData;
 stSweep currentDatatmp;
@@ -62,29 +62,9 @@ void wsaResetStore(int band, time_t now)
     ++storeGeneration;
 }
 
-int CWsa::initData()
-{
-    wsaResetStore(int(wsaSelectedBand().id), time(nullptr));
-    // A new recording shows all three views again; the constructor has set them already, and
-    // sets them again here on purpose.
-    bPlanarView = true;
-    bSpectralView = true;
-    bTopographicView = true;
-    std::memset(strInspector, 0, sizeof strInspector);
-    bPrevCurrent = false;
-    return 0;
-}
-
 void wsaElapsedText(long long elapsed, char* text, size_t size)
 {
     wsa::elapsedText(elapsed, text, size);
-}
-
-char* CWsa::getTime()
-{
-    static char strTime[256];
-    wsaElapsedText(static_cast<long long>(time(nullptr) - startTime), strTime, sizeof strTime);
-    return strTime;
 }
 
 void wsaCopyTimeText(char* row, const char* text)

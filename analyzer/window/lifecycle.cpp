@@ -1,10 +1,13 @@
-// The analyzer's life: construction, the refresh timer, message boxes and destruction.
+// The analyzer's life: construction, the refresh timer, message boxes, destruction, and the reset
+// and clock of each new recording.
 #include <QMetaObject>
 #include <QPointer>
 #include <QTimer>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <ctime>
 #include <filesystem>
 
 #include "halboard.h"
@@ -172,4 +175,25 @@ void CWsa::deleteMsgBox()
 void CWsa::setSize(const QSize& size)
 {
     setFixedSize(size);
+}
+
+// A new recording: the store emptied for the selected band, the views and readout as at start.
+int CWsa::initData()
+{
+    wsaResetStore(int(wsaSelectedBand().id), time(nullptr));
+    // A new recording shows all three views again; the constructor has set them already, and
+    // sets them again here on purpose.
+    bPlanarView = true;
+    bSpectralView = true;
+    bTopographicView = true;
+    std::memset(strInspector, 0, sizeof strInspector);
+    bPrevCurrent = false;
+    return 0;
+}
+
+char* CWsa::getTime()
+{
+    static char strTime[256];
+    wsaElapsedText(static_cast<long long>(time(nullptr) - startTime), strTime, sizeof strTime);
+    return strTime;
 }

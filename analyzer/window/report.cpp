@@ -95,9 +95,9 @@ void savePicture(const QPixmap& pixmap, int dirFd, const QByteArray& path)
         close(dirFd);
     QByteArray bytes;
     QBuffer buffer(&bytes);
-    const bool ok = out && buffer.open(QIODevice::WriteOnly) && pixmap.save(&buffer, "BMP") &&
-                    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), out) ==
-                        size_t(bytes.size());
+    const bool ok =
+        out && buffer.open(QIODevice::WriteOnly) && pixmap.save(&buffer, "BMP") &&
+        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), out) == size_t(bytes.size());
     if (out)
         std::fclose(out);
     if (!ok)

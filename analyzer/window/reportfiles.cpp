@@ -48,9 +48,8 @@ int wsaOpenOwnDir(int dirFd, const char* name)
 FILE* wsaCreateOwnFile(int dirFd, const char* name)
 {
     // Not truncated before it is known to be ours; non-blocking so a FIFO cannot hold us.
-    const int fd = openat(dirFd, name,
-                          O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC,
-                          0666);
+    const int fd = openat(
+        dirFd, name, O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
     if (fd < 0)
         return nullptr;
     struct stat st;

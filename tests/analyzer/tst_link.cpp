@@ -236,8 +236,7 @@ private slots:
             const stSweep r = wsatest::makeSweep(plan.grid.raw, level);
             return QByteArray(reinterpret_cast<const char*>(&r), n);
         };
-        const QByteArray stream =
-            bytes(-60) + bytes(-65, cut) + bytes(-70) + bytes(-75);
+        const QByteArray stream = bytes(-60) + bytes(-65, cut) + bytes(-70) + bytes(-75);
         QCOMPARE(write(f.link, stream.constData(), size_t(stream.size())), ssize_t(stream.size()));
         // The refresh timer may read the link while a paint is awaited: its lines count too.
         QString printed;

@@ -257,10 +257,11 @@ private slots:
         save("escaped");
         QFile page(dir("escaped.html"));
         QVERIFY(page.open(QIODevice::ReadOnly));
-        QCOMPARE(page.readAll(),
-                 expectedPage("escaped",
-                              "Common &lt;b&gt;&amp;amp;&quot;v&quot; &#39;x&#39; \xff\xc3\x28\x01\n",
-                              kMac, "S&lt;1&gt;&amp;&quot;2&#39;"));
+        QCOMPARE(
+            page.readAll(),
+            expectedPage("escaped",
+                         "Common &lt;b&gt;&amp;amp;&quot;v&quot; &#39;x&#39; \xff\xc3\x28\x01\n",
+                         kMac, "S&lt;1&gt;&amp;&quot;2&#39;"));
     }
 
     // Names planted where the report's files go: nobody else's file is written, nothing waits.
@@ -270,21 +271,24 @@ private slots:
         QTest::addColumn<QString>("refused"); // the name the console line gives, empty: none
         QTest::addColumn<int>("error");       // the reason in the box, 0: no box
         QTest::addColumn<bool>("pageWritten");
-        QTest::newRow("page is a link") << "page link" << "planted.html" << ELOOP << false;
-        QTest::newRow("page is a hard link") << "page hard link" << "planted.html" << EEXIST
-                                             << false;
-        QTest::newRow("page of another user")
-            << "page foreign" << "planted.html" << EEXIST << false;
-        QTest::newRow("page is a FIFO") << "page fifo" << "planted.html" << ENXIO << false;
-        QTest::newRow("picture directory is a link")
-            << "dir link" << "planted_files" << ENOTDIR << false;
-        QTest::newRow("picture directory is a file")
-            << "dir file" << "planted_files" << ENOTDIR << false;
-        QTest::newRow("picture directory of another user")
-            << "dir foreign" << "planted_files" << EPERM << false;
-        QTest::newRow("picture is a link")
-            << "picture link" << "planted_files/wsa.bmp" << 0 << true;
-        QTest::newRow("own earlier report") << "own" << "" << 0 << true;
+        QTest::newRow("page is a link") << "page link"
+                                        << "planted.html" << ELOOP << false;
+        QTest::newRow("page is a hard link") << "page hard link"
+                                             << "planted.html" << EEXIST << false;
+        QTest::newRow("page of another user") << "page foreign"
+                                              << "planted.html" << EEXIST << false;
+        QTest::newRow("page is a FIFO") << "page fifo"
+                                        << "planted.html" << ENXIO << false;
+        QTest::newRow("picture directory is a link") << "dir link"
+                                                     << "planted_files" << ENOTDIR << false;
+        QTest::newRow("picture directory is a file") << "dir file"
+                                                     << "planted_files" << ENOTDIR << false;
+        QTest::newRow("picture directory of another user") << "dir foreign"
+                                                           << "planted_files" << EPERM << false;
+        QTest::newRow("picture is a link") << "picture link"
+                                           << "planted_files/wsa.bmp" << 0 << true;
+        QTest::newRow("own earlier report") << "own"
+                                            << "" << 0 << true;
     }
     void plantedNamesAreNotFollowed()
     {

@@ -91,8 +91,7 @@ private slots:
         for (const int band : {2, 7, -1}) {
             s_band = band;
             const wsa::Band* chosen = nullptr;
-            const QString printed =
-                wsatest::captureStdout([&] { chosen = &wsaSelectedBand(); });
+            const QString printed = wsatest::captureStdout([&] { chosen = &wsaSelectedBand(); });
             QCOMPARE(printed, QString("unknown band %1: showing 2.4 GHz\n").arg(band));
             QCOMPARE(QList<int>({int(chosen->id), s_band}), QList<int>({0, 0}));
             QCOMPARE(wsatest::captureStdout([] { wsaSelectedBand(); }), QString());

@@ -31,21 +31,19 @@ struct Collector {
     QList<QByteArray> records;
     int impossibleLevels = 0; // levels handed on that no receiver reports
     QStringList damage;
-    wsa::RecordReader reader{[this](const stSweep& r) {
-                                 levels << (r.type == SA_MSG_SWEEP ? r.data[1] : -r.type);
-                                 for (int i = 0; r.type == SA_MSG_SWEEP && i < r.num_samples; ++i)
-                                     impossibleLevels += r.data[i] < wsa::kLowestLevelDbm ||
-                                                         r.data[i] > wsa::kHighestLevelDbm;
-                                 records << QByteArray(reinterpret_cast<const char*>(&r),
-                                                       SA_RECORD_SIZE);
-                             },
-                             [this](const wsa::RecordDamage& d) {
-                                 static const char* kinds[] = {"unknown type", "bad count",
-                                                               "cut short", "cut samples",
-                                                               "bad level"};
-                                 damage << QString("%1 %2 %3").arg(kinds[d.kind]).arg(d.type).arg(
-                                               d.count);
-                             }};
+    wsa::RecordReader reader{
+        [this](const stSweep& r) {
+            levels << (r.type == SA_MSG_SWEEP ? r.data[1] : -r.type);
+            for (int i = 0; r.type == SA_MSG_SWEEP && i < r.num_samples; ++i)
+                impossibleLevels +=
+                    r.data[i] < wsa::kLowestLevelDbm || r.data[i] > wsa::kHighestLevelDbm;
+            records << QByteArray(reinterpret_cast<const char*>(&r), SA_RECORD_SIZE);
+        },
+        [this](const wsa::RecordDamage& d) {
+            static const char* kinds[] = {"unknown type", "bad count", "cut short", "cut samples",
+                                          "bad level"};
+            damage << QString("%1 %2 %3").arg(kinds[d.kind]).arg(d.type).arg(d.count);
+        }};
 
     // Feeds `bytes` in pieces of the given sizes (cycled), as a socket may deliver them.
     void feed(const QByteArray& bytes, const std::vector<int>& pieces = {SA_RECORD_SIZE})
@@ -116,8 +114,8 @@ private slots:
             << sweep(-70).left(4) << QList<int>{} << "cut short 101 101";
         QTest::newRow("cut inside a header, count out of range")
             << sweep(-70).left(3) << QList<int>{} << "bad count 101 -1493172224";
-        QTest::newRow("stray bytes") << QByteArray("\x01\x02", 2) << QList<int>{}
-                                     << "unknown type 1 27721728";
+        QTest::newRow("stray bytes")
+            << QByteArray("\x01\x02", 2) << QList<int>{} << "unknown type 1 27721728";
     }
     void damage()
     {
@@ -159,8 +157,8 @@ private slots:
         const bool kept = cut >= 8 + 4 * count;
         QCOMPARE(c.levels, QList<int>{-40} + (kept ? QList<int>{-70} : QList<int>{}) +
                                QList<int>({-41, -42}));
-        QCOMPARE(c.damage, kept ? QStringList() : QStringList("cut samples 101 " +
-                                                              QString::number(count)));
+        QCOMPARE(c.damage,
+                 kept ? QStringList() : QStringList("cut samples 101 " + QString::number(count)));
         QCOMPARE(c.impossibleLevels, 0);
     }
 

@@ -176,15 +176,16 @@ private slots:
                  QList<quint32>({0, 0, 0}));
         // The ring keeps the last three, newest first.
         QCOMPARE(store.historyCount(), 3);
-        QCOMPARE(QList<float>({store.historyRow(0)[0], store.historyRow(1)[0],
-                               store.historyRow(2)[0]}),
-                 QList<float>({-92, -93, -94}));
+        QCOMPARE(
+            QList<float>({store.historyRow(0)[0], store.historyRow(1)[0], store.historyRow(2)[0]}),
+            QList<float>({-92, -93, -94}));
         QCOMPARE(store.historyRow(3), nullptr);
         // A new range drops the density and nothing else.
         QVERIFY(store.setDisplayRange(-120, -60));
         QVERIFY(!store.setDisplayRange(-60, -120));
-        QCOMPARE(QList<long>({long(store.density(0, 0)), store.densityPeak(), store.historyCount()}),
-                 QList<long>({0, 0, 3}));
+        QCOMPARE(
+            QList<long>({long(store.density(0, 0)), store.densityPeak(), store.historyCount()}),
+            QList<long>({0, 0, 3}));
         store.clear();
         QCOMPARE(QList<long long>({store.sweeps(), store.historyCount()}),
                  QList<long long>({0, 0}));

@@ -62,12 +62,12 @@ qint64 engineOf(qint64 parent)
     return 0;
 }
 
-// A desktop session of its own: a private runtime directory and home, the fake engine.
-struct DesktopSession {
+// A desktop login of its own: a private runtime directory and home, the fake engine.
+struct DesktopLogin {
     QTemporaryDir root;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     QString runtime() const { return root.path() + "/run"; }
-    DesktopSession()
+    DesktopLogin()
     {
         QDir().mkpath(runtime());
         QFile::setPermissions(runtime(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -96,7 +96,7 @@ struct DesktopSession {
             QTest::qWait(50);
         return engine;
     }
-    // Closes an instance as a desktop session does, with SIGTERM; true when it ended by itself.
+    // Closes an instance as logging out does, with SIGTERM; true when it ended by itself.
     static bool close(QProcess& p)
     {
         ::kill(pid_t(p.processId()), SIGTERM);
@@ -130,8 +130,8 @@ private slots:
     void versionIsTheProjects();
     void endsWithFailureWhenTheAnalyzerAsksToClose();
     void desktopInstanceStopsOnlyItsOwnEngine();
-    void desktopSessionDirectory_data();
-    void desktopSessionDirectory();
+    void desktopRuntimeDirectory_data();
+    void desktopRuntimeDirectory();
 };
 
 void TestStandalone::options_data()
@@ -220,40 +220,44 @@ void TestStandalone::endsWithFailureWhenTheAnalyzerAsksToClose()
 void TestStandalone::desktopInstanceStopsOnlyItsOwnEngine()
 {
     QVERIFY2(QFileInfo::exists(desktopProgram()), "build the wsa_desktop_variant target");
-    DesktopSession session;
+    DesktopLogin login;
     QProcess first, second;
-    const qint64 firstEngine = session.start(first);
-    const qint64 secondEngine = session.start(second);
+    const qint64 firstEngine = login.start(first);
+    const qint64 secondEngine = login.start(second);
     QVERIFY(firstEngine && secondEngine && firstEngine != secondEngine);
-    QVERIFY2(DesktopSession::close(first), first.readAll().constData());
+    QVERIFY2(DesktopLogin::close(first), first.readAll().constData());
     QCOMPARE(first.exitCode(), 0);
     QTRY_VERIFY(!running(firstEngine));
     QTest::qWait(300);
     QVERIFY(running(secondEngine));
-    QVERIFY(DesktopSession::close(second));
+    QVERIFY(DesktopLogin::close(second));
     QTRY_VERIFY(!running(secondEngine));
 }
 
-// The session directory is used only when it is a directory of our own; anything else planted
+// The runtime directory is used only when it is a directory of our own; anything else planted
 // at its name is refused with a line, and a fresh private directory holds the socket instead.
-void TestStandalone::desktopSessionDirectory_data()
+void TestStandalone::desktopRuntimeDirectory_data()
 {
     QTest::addColumn<QString>("plant");
     QTest::addColumn<QString>("refusal"); // empty: the directory is used
-    QTest::newRow("own directory, too open") << "own" << "";
-    QTest::newRow("symbolic link") << "link" << "is a symbolic link";
-    QTest::newRow("file") << "file" << "is not a directory";
-    QTest::newRow("another user's directory") << "foreign" << "belongs to another user";
+    QTest::newRow("own directory, too open") << "own"
+                                             << "";
+    QTest::newRow("symbolic link") << "link"
+                                   << "is a symbolic link";
+    QTest::newRow("file") << "file"
+                          << "is not a directory";
+    QTest::newRow("another user's directory") << "foreign"
+                                              << "belongs to another user";
 }
 
-void TestStandalone::desktopSessionDirectory()
+void TestStandalone::desktopRuntimeDirectory()
 {
     QFETCH(QString, plant);
     QFETCH(QString, refusal);
     if (plant == "foreign" && geteuid() != 0)
         QSKIP("only root can give a directory to another user");
-    DesktopSession session;
-    const QString named = session.runtime() + "/wsa", elsewhere = session.root.path() + "/target";
+    DesktopLogin login;
+    const QString named = login.runtime() + "/wsa", elsewhere = login.root.path() + "/target";
     QVERIFY(QDir().mkpath(elsewhere) && ::chmod(QFile::encodeName(elsewhere), 0755) == 0);
     const QByteArray path = QFile::encodeName(named);
     bool planted = false;
@@ -268,7 +272,7 @@ void TestStandalone::desktopSessionDirectory()
     QVERIFY(planted);
 
     QProcess wsa;
-    QVERIFY(session.start(wsa));
+    QVERIFY(login.start(wsa));
     QString used = named;
     if (!refusal.isEmpty()) {
         QTRY_VERIFY(wsa.canReadLine());
@@ -281,8 +285,8 @@ void TestStandalone::desktopSessionDirectory()
     QVERIFY(dir.isDir() && !dir.isSymLink() && dir.ownerId() == geteuid());
     QCOMPARE(modeOf(used), 0700);
     QVERIFY(QFileInfo::exists(used + "/SERVERSOCK"));
-    QVERIFY(!QFileInfo::exists(session.root.path() + "/start/SERVERSOCK"));
-    QVERIFY(DesktopSession::close(wsa));
+    QVERIFY(!QFileInfo::exists(login.root.path() + "/start/SERVERSOCK"));
+    QVERIFY(DesktopLogin::close(wsa));
     QCOMPARE(modeOf(elsewhere), 0755);
     QCOMPARE(QDir(elsewhere).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), {});
 }
