@@ -5,7 +5,11 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QSocketNotifier>
+#include <csignal>
 #include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "paths.h"
 #include "wsa.h"
@@ -85,13 +89,40 @@ int applyOptions(const QStringList& arguments)
     return -1;
 }
 
+// A desktop session ends its programs with SIGTERM (and a terminal with SIGINT): the analyzer
+// then closes as if its window were closed, so it stops its engine. The handler only writes a
+// byte; the event loop does the rest.
+int signalPipe[2] = {-1, -1};
+
+void onQuitSignal(int)
+{
+    const char byte = 1;
+    (void)!write(signalPipe[1], &byte, 1);
+}
+
+void quitOnSignals()
+{
+    if (signalPipe[0] >= 0 || pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        return;
+    auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, qApp);
+    QObject::connect(notifier, &QSocketNotifier::activated, [] {
+        char byte;
+        while (read(signalPipe[0], &byte, 1) > 0) {
+        }
+        QCoreApplication::quit();
+    });
+    struct sigaction action = {};
+    action.sa_handler = onQuitSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGINT, &action, nullptr);
+}
+
 // Shows the analyzer until its window is closed. Without a host to receive its request to
 // close (no probe, or the probe lost), the program ends instead, with status 1.
-int runAnalyzer()
+int showAnalyzer()
 {
-    wsaInstallTranslator();
-    wsaExportEngineDefaults();
-    wsaEnterDesktopWorkDir();
     CWsa w;
     QObject::connect(&w, &CWsa::sigClose, [] {
         std::puts("wsa: closing: the analyzer asked to close because it has no probe to measure "
@@ -101,6 +132,23 @@ int runAnalyzer()
     w.setGeometry(0, 60, 800, 400);
     w.show();
     return QApplication::exec();
+}
+
+int runAnalyzer()
+{
+    wsaInstallTranslator();
+    wsaExportEngineDefaults();
+    if (!wsaDesktopPaths())
+        return showAnalyzer();
+    // Never the start directory instead: others may be able to write there.
+    const QString workDir = wsaEnterDesktopWorkDir();
+    if (workDir.isEmpty())
+        return 1;
+    quitOnSignals();
+    const int status = showAnalyzer();
+    // Once the analyzer has removed its socket; kept while another instance still uses it.
+    (void)rmdir(QFile::encodeName(workDir).constData());
+    return status;
 }
 
 } // namespace standalone

@@ -1,6 +1,6 @@
 // The HackRF source's cost and latency: the benchmark plays hackrf_sweep (a stand-in that copies
 // a FIFO to the engine) and the analyzer (the socket's reader) around a real wsa_raw.
-//   1. CPU: a minute of input at 40 sweeps/s over 2400-2490 MHz, written as fast as the engine
+//   1. CPU: a minute of input at 40 sweeps/s over the 2.4 GHz band, written as fast as the engine
 //      takes it; the engine's CPU time per second of input is its load on one core at 40/s.
 //   2. Latency: five seconds written at the real pace, each sweep's rows spread over its 25 ms
 //      as a device delivers them; from the last row of a sweep to the record that carries it.
@@ -27,6 +27,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "bandplan.h"
 #include "halbrin_sa.h"
 
 namespace
@@ -36,10 +37,15 @@ constexpr int kSweepsPerSecond = 40;
 constexpr int kCpuSeconds = 60;
 constexpr int kLatencySeconds = 5;
 constexpr double kOutputPeriodMs = 125; // the engine's default rate, 8 records/s
-// Rows of 5 MHz over 2399..2499 MHz, each 20 MHz step out of order, as hackrf_sweep prints them.
-constexpr int kLowMHz = 2399;
-constexpr int kHighMHz = 2499;
-constexpr int kMarkerMHz = 2401;
+const wsa::SourceGrid& grid24()
+{
+    return wsa::findBand(wsa::BandId::Ghz24)->grid;
+}
+// Rows of 5 MHz over 100 MHz from the whole MHz below the 2.4 GHz grid, each 20 MHz step out of
+// order, as hackrf_sweep prints them; the marker bin is 2 MHz up.
+const int kLowMHz = int(std::floor(grid24().lowEdgeHz() / 1e6));
+const int kHighMHz = kLowMHz + 100;
+const int kMarkerMHz = kLowMHz + 2;
 constexpr int kMarkerSpan = 100; // marker levels -69 .. +30 dB, then they wrap
 
 long long nowNs()
@@ -192,7 +198,7 @@ private:
         m_arrivals.resize(100000);
         // The analyzer bin holding the marker bin's centre.
         const double markerMHz = kMarkerMHz + m_binHz / 2e6;
-        const int markerBin = int(std::lround((markerMHz - 2400) * 422 / 90.0));
+        const int markerBin = int(std::lround((markerMHz * 1e6 - grid24().startHz) / grid24().stepHz));
         for (;;) {
             stSweep r;
             if (recv(m_link, &r, sizeof r, MSG_WAITALL) != ssize_t(sizeof r))
@@ -314,8 +320,8 @@ void measure(long binHz)
 int main()
 {
     signal(SIGPIPE, SIG_IGN);
-    std::printf("HackRF source, 2400-2490 MHz, %d sweeps/s of hackrf_sweep CSV rows\n",
-                kSweepsPerSecond);
+    std::printf("HackRF source, %s band, %d sweeps/s of hackrf_sweep CSV rows\n",
+                wsa::findBand(wsa::BandId::Ghz24)->name, kSweepsPerSecond);
     measure(1000000);
     measure(100000);
     return 0;

@@ -46,11 +46,11 @@ double sweepMs(CWsa& w, QImage& target, int link, int sweeps)
     std::vector<qint64> ns;
     QElapsedTimer timer;
     QRandomGenerator rng(7);
-    stSweep record = wsatest::makeSweep(423, -80);
+    stSweep record = wsatest::makeSweep(wsatest::shownSamples(0), nMinDraw);
     nLastIdx = 3000;
     for (int s = 0; s < sweeps; ++s) {
         for (int i = 0; i < record.num_samples; ++i)
-            record.data[i] = -105 + int(rng.bounded(90));
+            record.data[i] = nMinDraw + 5 + int(rng.bounded(nMaxDraw - nMinDraw - 10));
         wsatest::sendRecord(link, record);
         timer.start();
         w.wsaDataParse();
@@ -78,7 +78,7 @@ int main(int argc, char** argv)
     // --profile [--rgb16]: fast View All frames only, long enough for a profiler to sample.
     if (app.arguments().contains(QStringLiteral("--profile"))) {
         wsatest::selectLayout(&w, 0, wsatest::ViewAll);
-        wsatest::fillFullState(423);
+        wsatest::fillFullState(wsatest::shownSamples(0));
         if (app.arguments().contains(QStringLiteral("--rgb16")))
             target = QImage(800, 400, QImage::Format_RGB16);
         std::printf("View All, fast: %.3f ms\n", frameMs(w, target, 20000));
@@ -99,7 +99,7 @@ int main(int argc, char** argv)
     QImage target16(800, 400, QImage::Format_RGB16);
     for (const auto& l : layouts) {
         wsatest::selectLayout(&w, 0, l.layout);
-        wsatest::fillFullState(423);
+        wsatest::fillFullState(wsatest::shownSamples(0));
         std::printf("%-12s", l.name);
         for (QImage* t : {&target, &target16}) {
             bReferencePainting = false;
@@ -115,10 +115,10 @@ int main(int argc, char** argv)
 
     std::printf("\nPer sweep: parse + statistics + paint, View All, median of N sweeps\n");
     wsatest::selectLayout(&w, 0, wsatest::ViewAll);
-    wsatest::fillFullState(423);
+    wsatest::fillFullState(wsatest::shownSamples(0));
     bReferencePainting = false;
     const double fastSweep = sweepMs(w, target, link, 300);
-    wsatest::fillFullState(423);
+    wsatest::fillFullState(wsatest::shownSamples(0));
     bReferencePainting = true;
     const double referenceSweep = sweepMs(w, target, link, 30);
     bReferencePainting = false;

@@ -10,6 +10,7 @@
 #include "cutilwindow.h"
 #include "link.h"
 #include "store.h"
+#include "sweepmodel.h"
 #include "wsa_p.h"
 #include "wsatestsupport.h"
 
@@ -74,6 +75,30 @@ void printMemory()
     std::printf("  %-20s %10zu bytes (%.1f MiB)\n", "total", total, total / (1024.0 * 1024.0));
 }
 
+// The core store a desktop window owns: one sweep of `bins` float levels counted into every trace,
+// the density and the waterfall.
+long long coreStoreNanoseconds(int bins, int rounds)
+{
+    wsa::SweepStoreConfig config;
+    config.bins = bins;
+    config.historyRows = WSA_HISTORY_ROWS;
+    config.averaging = 16;
+    wsa::SweepStore store(config);
+    std::vector<float> sweep(static_cast<size_t>(bins));
+    std::vector<long long> times;
+    times.reserve(size_t(rounds));
+    for (int round = 0; round < rounds; ++round) {
+        for (int i = 0; i < bins; ++i)
+            sweep[size_t(i)] = -20.0f - float((i * 13 + round * 7) % 95);
+        const auto start = std::chrono::steady_clock::now();
+        store.addSweep(sweep.data(), bins);
+        const auto end = std::chrono::steady_clock::now();
+        times.push_back(std::chrono::duration_cast<std::chrono::nanoseconds>(end - start).count());
+    }
+    std::nth_element(times.begin(), times.begin() + rounds / 2, times.end());
+    return times[size_t(rounds / 2)];
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -89,16 +114,25 @@ int main(int argc, char** argv)
     const int rounds = 20000;
 
     std::printf("taking one sweep into the store (dispatch + statistics), median of %d\n", rounds);
-    const struct {
-        const char* label;
-        int band;
-        int samples;
-    } cases[] = {{"2.4 GHz,  423 samples", 0, 423},
-                 {"2.4 GHz, 1024 samples", 0, 1024},
-                 {"5 GHz, 1024 raw (452 kept)", 1, 1024}};
-    for (const auto& c : cases)
-        std::printf("  %-28s %8lld ns per sweep\n", c.label,
-                    medianNanoseconds(*wsa, c.band, c.samples, rounds));
+    for (const wsa::Band& band : wsa::allBands()) {
+        if (!band.handheld)
+            continue;
+        const int id = int(band.id);
+        // The band's own records, and the longest a record can be.
+        std::vector<int> raws = {band.grid.raw};
+        if (band.grid.raw != SA_MAX_SAMPLES)
+            raws.push_back(SA_MAX_SAMPLES);
+        for (const int raw : raws) {
+            const QString label = QString::asprintf("%s, %d raw (%d kept)", band.name, raw,
+                                                    band.handheld->reducedCount(raw));
+            std::printf("  %-28s %8lld ns per sweep\n", qPrintable(label),
+                        medianNanoseconds(*wsa, id, raw, rounds));
+        }
+    }
+    std::printf("\ncounting one sweep into the core store (float dBm, %d waterfall rows), median\n",
+                int(WSA_HISTORY_ROWS));
+    for (const int bins : {423, 1000, 4096})
+        std::printf("  %5d bins %27lld ns per sweep\n", bins, coreStoreNanoseconds(bins, rounds));
     printMemory();
     return 0;
 }

@@ -15,13 +15,14 @@ int HandheldMapping::reducedCount(int raw) const
     return reduced >= 0 ? reduced : -1;
 }
 
-std::vector<Channel> Band::channels(int widthMHz) const
+const std::vector<Channel>& Band::channels(int widthMHz) const
 {
+    static const std::vector<Channel> none;
     for (std::size_t k = 0; k < widthsMHz.size(); ++k) {
         if (widthsMHz[k] == widthMHz)
             return plans[k];
     }
-    return {};
+    return none;
 }
 
 const Channel* Band::channel(int widthMHz, int number) const

@@ -84,7 +84,7 @@ struct Band {
     std::vector<int> widthsMHz;      // channel widths of the Wi-Fi plan, narrowest first
 
     // The Wi-Fi channels of the given width (empty for a width the plan does not have).
-    std::vector<Channel> channels(int widthMHz) const;
+    const std::vector<Channel>& channels(int widthMHz) const;
     // The channel of that width with this number, or null.
     const Channel* channel(int widthMHz, int number) const;
     // The grid rounded into a Configured record.

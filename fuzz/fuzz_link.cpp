@@ -41,8 +41,9 @@ QImage* canvas = nullptr;
 void selectLayout(int band, int layout)
 {
     s_band = band;
-    nMinDraw = band ? -100 : -110;
-    nMaxDraw = band ? -50 : -10;
+    const wsa::HandheldMapping& mapping = *wsa::handheldBand(band).handheld;
+    nMinDraw = mapping.minDbm;
+    nMaxDraw = mapping.maxDbm;
     analyzer->initData();
     analyzer->resizeGrid();
     switch (layout) {

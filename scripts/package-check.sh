@@ -9,7 +9,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 dir=${1:-$root/build-package}
 case "$dir" in /*) ;; *) dir="$root/$dir" ;; esac
 
-cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=Release -DWSA_DESKTOP=ON >/dev/null
+cmake --preset desktop -S "$root" -B "$dir" >/dev/null
 # The desktop defaults are checked in the build they belong to.
 cmake --build "$dir" -j"$(nproc)" --target wsa_standalone wsa_raw wsaplugin wsa_package_files tst_package
 QT_QPA_PLATFORM=offscreen "$dir/tests/tst_package" -silent

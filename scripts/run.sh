@@ -4,11 +4,13 @@
 #   scripts/run.sh --source hackrf
 #   scripts/run.sh --replay run/recordings/wsa-20240301-123005-2g4.csv
 #   scripts/run.sh --no-record
-# Without a display the window is served over VNC on localhost:5900.
+# Without a display the window is served over VNC on localhost:5900 (loopback only).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup.sh"
-"$root/scripts/build.sh" "$root/build"
+# Only what the run needs: the program and its engine, not the tests and benchmarks.
+cmake --preset dev -S "$root" >/dev/null
+cmake --build "$root/build" -j"$(nproc)" --target wsa_standalone wsa_raw
 
 # The program runs in run/, so paths given relative to here are made absolute first.
 args=()
@@ -35,9 +37,10 @@ export WSA_RESULT_DIR="${WSA_RESULT_DIR:-$work/results}"
 export WSA_RECORD_DIR="${WSA_RECORD_DIR-$work/recordings}"
 cd "$work"
 
+program=("$root/build/apps/wsa" ${args[@]+"${args[@]}"})
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ] && [ -z "${QT_QPA_PLATFORM:-}" ]; then
-    export QT_QPA_PLATFORM="vnc:size=800x480"
     echo "No display: the analyzer is served over VNC. Connect a viewer to localhost:5900"
-    echo "(for example: vncviewer localhost:5900). Stop it with Ctrl+C."
+    echo "(for example: vncviewer localhost:5900)."
+    exec "$root/scripts/serve-display.sh" --size 800x480 "${program[@]}"
 fi
-exec "$root/build/apps/wsa" ${args[@]+"${args[@]}"}
+exec "${program[@]}"

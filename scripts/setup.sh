@@ -8,6 +8,10 @@ set -euo pipefail
 
 packages=(cmake ninja-build g++ qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-l10n-tools
           libgl-dev psmisc fonts-dejavu-core qt6-translations-l10n)
+# Without a display, scripts/run.sh serves a virtual one over VNC on loopback.
+if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ] || [ "${1:-}" = "--test" ]; then
+    packages+=(xvfb x11vnc iproute2)
+fi
 if [ "${1:-}" = "--test" ]; then
     packages+=(chromium clang-14 libclang-rt-14-dev dpkg-dev file lintian desktop-file-utils
                appstream man-db)

@@ -12,14 +12,13 @@ passed=0
 failed=0
 # Counts one step of the run for the closing line.
 step() { if "$@"; then passed=$((passed + 1)); else failed=$((failed + 1)); status=1; fi; }
+cd "$root"
 for variant in plain asan; do
-    dir="$root/build-test-$variant"
-    opts=()
-    [ "$variant" = asan ] && opts+=(-DWSA_SANITIZE=ON)
     echo "== $variant build"
-    "$root/scripts/build.sh" "$dir" "${opts[@]}"
+    cmake --preset "$variant" >/dev/null
+    cmake --build --preset "$variant" -j"$(nproc)"
     echo "== $variant tests"
-    step bash -c 'cd "$1" && ctest --output-on-failure -j"$(nproc)"' _ "$dir"
+    step ctest --preset "$variant" -j"$(nproc)"
 done
 echo "== fuzz run"
 step "$root/scripts/fuzz.sh" 60

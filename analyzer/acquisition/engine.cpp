@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -20,6 +21,14 @@
 // imagePath is refreshed from wsaEnginePath() at every start, so WSA_ENGINE_PATH takes effect.
 stModuleImage moduleImage[1] = {{"/usr/local/tessa/bin/wsa_raw", "wsa_raw"}};
 int s_band = 0;
+
+const wsa::Band& wsaSelectedBand()
+{
+    const wsa::Band& band = wsa::handheldBand(s_band);
+    // Refused once, with handheldBand's console line; from then on the band shown is the band.
+    s_band = int(band.id);
+    return band;
+}
 int mainEngineSock = -1;
 int sockFd = -1;
 
@@ -66,6 +75,19 @@ void reapEngines(int waitMs)
             return;
         usleep(5 * 1000);
     }
+}
+
+// A desktop installation may run several analyzers, of several users: each stops the engines
+// it started, by their process groups (an engine the shell fallback started is a member of its
+// starter's group), never every engine by name.
+void stopOwnEngines()
+{
+    reapEngines(0);
+    for (int i = 0; i < enginePidCount; ++i) {
+        (void)kill(-enginePids[i], SIGKILL);
+        (void)kill(enginePids[i], SIGKILL);
+    }
+    reapEngines(kReapWaitMs);
 }
 
 void rememberEngine(pid_t pid)
@@ -143,19 +165,19 @@ int waitForEngine(const pid_t* started, int startedCount)
     }
 }
 
-[[noreturn]] void runEngine(const stModuleImage& image)
+// `argument` is the band's engine argument, or null for the engine's default band.
+[[noreturn]] void runEngine(const stModuleImage& image, const char* argument)
 {
-    if (s_band)
-        execl(image.imagePath, image.imageName, "-r 2", static_cast<char*>(nullptr));
-    else
-        execl(image.imagePath, image.imageName, static_cast<char*>(nullptr));
+    execl(image.imagePath, image.imageName, argument, static_cast<char*>(nullptr));
     std::printf("errno=%d\n", errno);
     std::fflush(stdout);
     errno = 0;
     char path[PATH_MAX + 8];
     char command[sizeof path + 16];
     if (wsaShellQuote(image.imagePath, path, sizeof path)) {
-        const int n = std::snprintf(command, sizeof command, s_band ? "%s -r 2&" : "%s &", path);
+        const int n = argument
+                          ? std::snprintf(command, sizeof command, "%s %s&", path, argument)
+                          : std::snprintf(command, sizeof command, "%s &", path);
         // The shell leaves the engine in the background; as its reaper this process stays until
         // that engine ends, so the analyzer sees the fallback end as it sees an engine end.
         (void)prctl(PR_SET_CHILD_SUBREAPER, 1);
@@ -289,6 +311,8 @@ void startAppEngines()
     lastStart = WSA_START_NO_ENGINE;
 
     moduleImage[0].imagePath = wsaEnginePath();
+    const char* argument = wsaSelectedBand().handheld->engineArgument;
+    const bool ownGroups = wsaDesktopPaths();
     pid_t started[sizeof moduleImage / sizeof moduleImage[0]];
     int startedCount = 0;
     for (const stModuleImage& image : moduleImage) {
@@ -298,8 +322,13 @@ void startAppEngines()
             std::puts("fork failed ! terminating ");
             std::fflush(stdout);
         } else if (pid == 0) {
-            runEngine(image);
+            if (ownGroups)
+                (void)setpgid(0, 0);
+            runEngine(image, argument);
         } else {
+            // Set on both sides, so the group exists whichever runs first.
+            if (ownGroups)
+                (void)setpgid(pid, pid);
             rememberEngine(pid);
             started[startedCount++] = pid;
         }
@@ -321,6 +350,10 @@ void stopAppEngines()
     if (sockFd >= 0) {
         close(sockFd);
         sockFd = -1;
+    }
+    if (wsaDesktopPaths()) {
+        stopOwnEngines();
+        return;
     }
     for (const stModuleImage& image : moduleImage) {
         char command[80];

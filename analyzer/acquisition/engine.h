@@ -6,14 +6,19 @@
 
 #include <cstddef>
 
+#include "bandplan.h"
+
 struct stModuleImage {
     const char* imagePath;
     const char* imageName;
 };
 extern stModuleImage moduleImage[1];
-extern int s_band; // 0 = 2.4 GHz, 1 = 5 GHz
+extern int s_band; // the selected band, a wsa::BandId of a band the handheld offers
 extern int mainEngineSock;
 extern int sockFd;
+// The band of s_band. An index the band plan does not offer the handheld is refused with a
+// console line and s_band falls back to 2.4 GHz.
+const wsa::Band& wsaSelectedBand();
 void startAppEngines();
 void stopAppEngines();
 

@@ -12,13 +12,10 @@ class CWsa;
 // when the analyzer was deleted while a box the record opened was up; it must not be used then.
 bool wsaDispatchRecord(CWsa& wsa, const void* record);
 
-// The record reader on a byte stream, as the socket feeds it: appends at most the bytes the
-// pending record still lacks and, once it is whole, acts on it. Returns how many bytes it took;
-// callers loop to feed a longer buffer. Framing rule: a record starts with a known type and a
-// count in 0 .. SA_MAX_SAMPLES. A whole record that does not is reported on the console once per
-// damaged stretch, and bytes are dropped up to the next such start; so are the bytes before a
-// start that lies inside a header. A record start found in the part of a record that its header
-// leaves unused (a record cut short) ends that record there.
+// The link's record reader (wsa::RecordReader) on a byte stream, as the socket feeds it: takes at
+// most the bytes the pending record still lacks and, once it is whole, acts on it. Returns how
+// many bytes it took; callers loop to feed a longer buffer. Damage is reported on the console
+// once per damaged stretch.
 std::size_t wsaTakeBytes(CWsa& wsa, const void* bytes, std::size_t size);
 
 // Forgets a partial record: a new connection starts on a record boundary.

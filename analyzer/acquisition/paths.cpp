@@ -5,8 +5,14 @@
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "wsa_p.h"
 
@@ -33,6 +39,29 @@ QString underLocation(QStandardPaths::StandardLocation location, const QString& 
     const QString path = QDir::cleanPath(base + QLatin1Char('/') + subPath);
     QDir().mkpath(path);
     return path;
+}
+
+// Makes `dir` the working directory when it is a real directory of our own user, owner-only;
+// otherwise returns why not, as a console phrase.
+const char* enterOwnDir(const QByteArray& dir)
+{
+    const int fd = open(dir.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (fd < 0) {
+        struct stat st;
+        if (lstat(dir.constData(), &st) == 0 && S_ISLNK(st.st_mode))
+            return "is a symbolic link";
+        return errno == ENOTDIR ? "is not a directory" : "cannot be opened";
+    }
+    struct stat st;
+    const char* refusal = nullptr;
+    if (fstat(fd, &st) != 0)
+        refusal = "cannot be examined";
+    else if (st.st_uid != geteuid())
+        refusal = "belongs to another user";
+    else if (fchmod(fd, 0700) != 0 || fchdir(fd) != 0)
+        refusal = "cannot be made private";
+    close(fd);
+    return refusal;
 }
 
 [[maybe_unused]] const char* keep(std::string& store, const QString& path)
@@ -88,12 +117,27 @@ QString wsaEnterDesktopWorkDir()
 {
     if (!wsaDesktopPaths())
         return QString();
-    const QString dir = underLocation(QStandardPaths::RuntimeLocation, QStringLiteral("wsa"));
-    // Owner-only: the socket in it carries the user's measurements.
-    if (!QFile::setPermissions(dir, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner) ||
-        !QDir::setCurrent(dir))
-        return QString();
-    return dir;
+    QString base = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (base.isEmpty())
+        base = QDir::tempPath();
+    const QByteArray dir = QFile::encodeName(QDir::cleanPath(base + QStringLiteral("/wsa")));
+    (void)mkdir(dir.constData(), 0700);
+    const char* refusal = enterOwnDir(dir);
+    if (!refusal)
+        return QFile::decodeName(dir);
+    // Someone else's link, file or directory at our name: the socket in it would carry the
+    // user's measurements to them, so a fresh directory of our own takes its place.
+    for (const QString& parent : {base, QDir::tempPath()}) {
+        QByteArray pattern = QFile::encodeName(QDir::cleanPath(parent + QStringLiteral("/wsa-XXXXXX")));
+        if (mkdtemp(pattern.data()) && !enterOwnDir(pattern)) {
+            std::printf("wsa: %s %s; using %s instead\n", dir.constData(), refusal,
+                        pattern.constData());
+            return QFile::decodeName(pattern);
+        }
+    }
+    std::printf("wsa: %s %s, and no private directory could be made: %s\n", dir.constData(),
+                refusal, std::strerror(errno));
+    return QString();
 }
 
 void wsaExportEngineDefaults()

@@ -23,10 +23,12 @@ QString wsaDesktopRecordDir();
 // The test set's build leaves the environment alone.
 void wsaExportEngineDefaults();
 
-// Desktop build: makes a private directory of the user's session the working directory, where
-// the engine socket (SERVERSOCK) lives, rather than wherever the program was started from (the
-// home directory, from a menu). Returns that directory, or an empty string when nothing changed
-// (the test set's build, or no such directory could be made).
+// Desktop build: makes a private directory of the user's session ($XDG_RUNTIME_DIR/wsa) the
+// working directory, where the engine socket (SERVERSOCK) lives, rather than wherever the program
+// was started from (the home directory, from a menu). A link, a file or another user's directory
+// at that name is refused with a console line, and a fresh owner-only directory (mkdtemp) is
+// used instead. Returns the directory entered, or an empty string when nothing changed: the test
+// set's build, or (with a console line) no private directory could be made.
 QString wsaEnterDesktopWorkDir();
 
 #endif

@@ -36,11 +36,14 @@ extern int nMaxDraw;
 extern time_t startTime;
 extern bool bReceivedData;
 
+// Counts the resets of the store: a painter that keeps pictures of it compares the count.
+unsigned wsaStoreGeneration();
+
 // Fills the colour map: dark blue to green, yellow and red.
 void fillColormap();
 
-// Empties the store for a new recording in `band` (0 = 2.4 GHz, 1 = 5 GHz): the band's display
-// range, no sweeps, no statistics, black colour rows, empty time texts, started at `now`.
+// Empties the store for a new recording in the handheld band `band` (wsa::BandId): the band's
+// display range, no sweeps, no statistics, black colour rows, empty time texts, started at `now`.
 void wsaResetStore(int band, time_t now);
 
 // "HH:MM:SS" of `elapsed` seconds (at least two digits each, hours unbounded; negative counts

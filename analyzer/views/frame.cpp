@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <cstring>
 
+#include "axis.h"
 #include "cwidgetstyle.h"
 #include "framecache.h"
 #include "views.h"
@@ -110,12 +111,11 @@ void CWsa::drawFrequency(QPainter* pPainter)
     const QRect rect = frequencyRect();
     pPainter->setPen(Qt::white);
     pPainter->setBrush(QBrush(Qt::black, Qt::SolidPattern));
-    if (nCellWidth <= 0)
-        return;
-    const int step = s_band != 0 ? 100 : 10;
-    const int labels = (rect.right() - rect.left()) / nCellWidth - 1;
+    const wsa::HandheldMapping mapping = shownMapping();
+    const int labels = wsa::handheld::labelCount(mapping, rect.right() - rect.left());
     for (int k = 1; k <= labels; ++k) {
-        pPainter->drawText(rect.left() + k * nCellWidth - 15, rect.bottom() + 20,
-                           QString::number(nStartFreq + k * step));
+        pPainter->drawText(rect.left() + wsa::handheld::labelOffset(mapping, k) - 15,
+                           rect.bottom() + 20,
+                           QString::number(wsa::handheld::labelMHz(mapping, k)));
     }
 }

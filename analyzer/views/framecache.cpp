@@ -4,6 +4,8 @@
 
 #include <QPaintEngine>
 #include <QPainter>
+#include <algorithm>
+#include <cstring>
 
 #include "views.h"
 #include "wsa_p.h"
@@ -73,7 +75,7 @@ void CFrameCache::beginFrame(QPainter* pPainter)
         return;
     }
     Key key;
-    key.stamp = m_stamp;
+    readState(key);
     key.format = m_format;
     key.font = pPainter->font();
     key.background = viewBackground().rgb();
@@ -83,6 +85,31 @@ void CFrameCache::beginFrame(QPainter* pPainter)
         m_key = key;
     }
     m_painter = pPainter;
+}
+
+bool CFrameCache::Key::operator==(const Key& o) const
+{
+    return storeGeneration == o.storeGeneration && band == o.band && minDraw == o.minDraw &&
+           maxDraw == o.maxDraw && !std::memcmp(colormap, o.colormap, sizeof colormap) &&
+           std::equal(views, views + 3, o.views) && cellW == o.cellW && cellH == o.cellH &&
+           maximized == o.maximized && stacked == o.stacked && format == o.format &&
+           font == o.font && background == o.background && unit == o.unit;
+}
+
+void CFrameCache::readState(Key& key)
+{
+    key.storeGeneration = wsaStoreGeneration();
+    key.band = s_band;
+    key.minDraw = nMinDraw;
+    key.maxDraw = nMaxDraw;
+    std::memcpy(key.colormap, colormap, sizeof key.colormap);
+    key.views[0] = bPlanarView;
+    key.views[1] = bTopographicView;
+    key.views[2] = bSpectralView;
+    key.cellW = nCellWidth;
+    key.cellH = nCellHeight;
+    key.maximized = grid_rect_maximize;
+    key.stacked = grid_rect_planar;
 }
 
 void CFrameCache::endFrame()

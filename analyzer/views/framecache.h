@@ -3,9 +3,10 @@
 // Once per frame the paint handler asks the cache whether the fast paths may run: only on a
 // QImage-backed target of 32 or 16 bits per pixel, drawn 1:1, and not while plain drawing is
 // requested. The cached images are rendered in that target's own pixel format, so copying them
-// leaves exactly the pixels plain drawing would have left. Everything cached is dropped when the
-// layout, band or store is reset (invalidate()) or when the frame's format, font, background or
-// language differs from the one it was rendered for.
+// leaves exactly the pixels plain drawing would have left. Everything cached is dropped on its own
+// when anything it was rendered from differs at the start of a frame: the layout, the band, the
+// store's reset count, the display range, the colour map, or the frame's format, font,
+// background or language.
 #ifndef FRAMECACHE_H
 #define FRAMECACHE_H
 
@@ -31,8 +32,6 @@ public:
     // Starts a frame on `pPainter`: decides the path and drops what no longer matches.
     void beginFrame(QPainter* pPainter);
     void endFrame();
-    // Layout, band, display range or colour map changed: everything cached is stale.
-    void invalidate() { ++m_stamp; }
 
     // True when `pPainter` composes the current frame on a fast path.
     bool fast(const QPainter* pPainter) const { return m_painter && pPainter == m_painter; }
@@ -97,17 +96,21 @@ public:
 
 private:
     struct Key {
-        unsigned stamp = 0;
+        unsigned storeGeneration = 0;
+        int band = -1;
+        int minDraw = 0, maxDraw = 0;
+        stRgb colormap[WSA_COLORMAP_SIZE] = {};
+        bool views[3] = {};
+        int cellW = 0, cellH = 0;
+        QRect maximized, stacked;
         QImage::Format format = QImage::Format_Invalid;
         QFont font;
         QRgb background = 0;
         QString unit;
-        bool operator==(const Key& o) const
-        {
-            return stamp == o.stamp && format == o.format && font == o.font &&
-                   background == o.background && unit == o.unit;
-        }
+        bool operator==(const Key& o) const;
     };
+    // Fills everything of the key but the frame's own properties.
+    static void readState(Key& key);
     void clear();
 
     QPainter* m_painter = nullptr;
@@ -116,7 +119,6 @@ private:
     QRect m_claimed[8];
     int m_nClaimed = 0;
     QImage::Format m_format = QImage::Format_RGB32;
-    unsigned m_stamp = 0;
     Key m_key;
     quint32 m_colormap[WSA_COLORMAP_SIZE] = {};
     bool m_bColormap = false;

@@ -7,6 +7,8 @@
 #include <QRect>
 #include <climits>
 
+#include "bandplan.h"
+
 extern bool bPlanarView;
 extern bool bTopographicView;
 extern bool bSpectralView;
@@ -32,6 +34,9 @@ inline bool strictlyInside(const QRect& r, int x, int y)
 {
     return r.left() < x && x < r.right() && r.top() < y && y < r.bottom();
 }
+
+// The selected band's mapping as laid out now: cell width and frequency span of the last layout.
+wsa::HandheldMapping shownMapping();
 
 // Rectangle of each view under the current view flags.
 QRect planarRect();

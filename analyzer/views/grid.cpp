@@ -19,10 +19,11 @@ QRect grid_rect_topographic;
 QRect grid_rect_spectral;
 QRect sidebar_rect;
 QRect toolbox_rect;
-int nCellWidth = 47;
+// Until resizeGrid lays out the selected band: the first band's mapping.
+int nCellWidth = wsa::handheldBand(int(wsa::BandId::Ghz24)).handheld->cellWidth;
 int nCellHeight = 10;
-int nStartFreq = 2400;
-int nEndFreq = 2490;
+int nStartFreq = wsa::handheldBand(int(wsa::BandId::Ghz24)).handheld->startMHz;
+int nEndFreq = wsa::handheldBand(int(wsa::BandId::Ghz24)).handheld->endMHz;
 
 namespace
 {
@@ -201,20 +202,22 @@ QRect frequencyRect()
     return isViewAll() ? grid_rect_spectral : grid_rect_maximize;
 }
 
+wsa::HandheldMapping shownMapping()
+{
+    wsa::HandheldMapping mapping = *wsaSelectedBand().handheld;
+    mapping.cellWidth = nCellWidth;
+    mapping.startMHz = nStartFreq;
+    mapping.endMHz = nEndFreq;
+    return mapping;
+}
+
 int CWsa::resizeGrid()
 {
-    int grid_width;
-    if (s_band == 0) {
-        grid_width = 423;
-        nCellWidth = 47;
-        nStartFreq = 2400;
-        nEndFreq = 2490;
-    } else {
-        grid_width = 455;
-        nCellWidth = 65;
-        nStartFreq = 5160;
-        nEndFreq = 5835;
-    }
+    const wsa::HandheldMapping& mapping = *wsaSelectedBand().handheld;
+    const int grid_width = mapping.gridWidth;
+    nCellWidth = mapping.cellWidth;
+    nStartFreq = mapping.startMHz;
+    nEndFreq = mapping.endMHz;
     nCellHeight = isViewAll() ? 10 : 30;
     const int right = grid_width + kGridLeft;
     grid_rect_maximize = fromEdges(kGridLeft, kGridTop, right, kGridTop + kMaximizedHeight);
@@ -228,7 +231,6 @@ int CWsa::resizeGrid()
     const QRect own = rect();
     const int toolboxLeft = sidebar_rect.right() + kToolboxGap;
     toolbox_rect = fromEdges(toolboxLeft, own.top(), toolboxLeft + kToolboxWidth, own.bottom());
-    frameCache().invalidate();
     return 0;
 }
 
@@ -237,7 +239,6 @@ int CWsa::resizeGrid()
 void CWsa::setViewLayout(bool bPlanar, bool bTopographic, bool bSpectral)
 {
     setViewFlags(bPlanar, bTopographic, bSpectral);
-    frameCache().invalidate();
     showTraceBoxes(bPlanar);
     m_bInspectorUpdate = false;
     update();

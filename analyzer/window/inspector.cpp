@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "axis.h"
 #include "framecache.h"
 #include "inspector.h"
 #include "wsa_p.h"
@@ -64,10 +65,7 @@ eInspectorView inspectorHitView(int x, int y, QRect& grid)
 
 int inspectorFrequency(const QRect& grid, int x)
 {
-    const int span = grid.right() - grid.left();
-    if (span <= 0)
-        return nStartFreq;
-    return (x - grid.left()) * (nEndFreq - nStartFreq) / span + nStartFreq;
+    return wsa::handheld::inspectorMHz(shownMapping(), x - grid.left(), grid.right() - grid.left());
 }
 
 int inspectorLevel(const QRect& grid, int y)
@@ -80,7 +78,7 @@ int inspectorLevel(const QRect& grid, int y)
 
 int inspectorColumn(const QRect& grid, int x)
 {
-    // Grids are at most 455 pixels wide, so a tap inside one always lands in the tables.
+    // Every band's grid is narrower than a record, so a tap inside one lands in the tables.
     const int column = x - grid.left();
     Q_ASSERT(column >= 0 && column < SA_MAX_SAMPLES);
     return qBound(0, column, SA_MAX_SAMPLES - 1);

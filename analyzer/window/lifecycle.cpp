@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "halboard.h"
 #include "ccheckbox.h"
@@ -19,15 +20,10 @@ namespace
 
 void createResultDir()
 {
-    // Sized for any path the environment may give, quoted; a command that does not fit is not
-    // run rather than run cut short.
-    char path[4 * PATH_MAX + 8];
-    char command[sizeof path + 16];
-    if (!wsaShellQuote(wsaResultDir(), path, sizeof path))
-        return;
-    const int n = std::snprintf(command, sizeof command, "mkdir -p %s", path);
-    if (n > 0 && size_t(n) < sizeof command)
-        (void)std::system(command);
+    // Under its literal name, with no shell in between. A directory that cannot be made shows
+    // when a report is saved there.
+    std::error_code ignored;
+    std::filesystem::create_directories(wsaResultDir(), ignored);
 }
 
 template <typename T> void deleteAndClear(T*& p)

@@ -1,6 +1,7 @@
 // The test result report: F1 saves the screen as an HTML page with a bitmap beside it.
 #include "report.h"
 
+#include <QBuffer>
 #include <QLocale>
 #include <QPixmap>
 #include <QPointer>
@@ -11,11 +12,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <unistd.h>
 
 #include "ckeypadfactory.h"
 #include "cwidgetstyle.h"
 #include "engine.h"
 #include "plate2promserv.h"
+#include "reportfiles.h"
 #include "wsa_p.h"
 
 namespace
@@ -44,12 +47,13 @@ QString dateText(const QDateTime& when)
     return QLocale::c().toString(when, QStringLiteral("dddd MMMM yyyy hh:mm:ss"));
 }
 
-// Longest name that both the name buffer and the quoted directory command under resultDir
-// hold; 0 when the directory alone fills the command.
+// Longest name that both the name buffer and a quoted "mkdir -p <dir>/<name>_files" command
+// line of WSA_REPORT_COMMAND bytes hold, the test set's limit on a report's name; 0 when the
+// directory alone fills the command.
 int nameRoom(const char* resultDir)
 {
-    // The directory command as saveUnder formats it, with an empty name. The name's letters and
-    // digits are not changed by the quoting.
+    // The command with an empty name. The name's letters and digits are not changed by the
+    // quoting.
     char path[WSA_REPORT_COMMAND];
     char quoted[WSA_REPORT_COMMAND];
     if (std::snprintf(path, sizeof path, "%s/_files", resultDir ? resultDir : "") >=
@@ -61,32 +65,12 @@ int nameRoom(const char* resultDir)
     return qBound(0, room, WSA_REPORT_TEXT - 1);
 }
 
-// Text of the platform (vendor file, EEPROM) as it may stand in the page.
+// Text of the platform (vendor file, EEPROM) as it may stand in the page, byte for byte apart
+// from the escapes: Latin-1 maps every byte to one character and back. Qt leaves the apostrophe
+// alone, which an attribute quoted with it would need escaped.
 QByteArray htmlEscaped(const char* text)
 {
-    QByteArray out;
-    for (const char* p = text; *p; ++p) {
-        switch (*p) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        case '\'':
-            out += "&#39;";
-            break;
-        default:
-            out += *p;
-        }
-    }
-    return out;
+    return QString::fromLatin1(text).toHtmlEscaped().replace(QLatin1Char('\''), "&#39;").toLatin1();
 }
 
 // No page was written: the user learns where and why, besides the console line.
@@ -94,6 +78,30 @@ void reportNotSaved(CWsa& wsa, const QString& path, const QString& reason)
 {
     wsa.showMsgBox(QObject::tr("Error"),
                    CWsa::tr("The test result could not be saved.\n%1\n%2").arg(path, reason));
+}
+
+// Nothing of the report could be written at `path` (bytes as the file system has them).
+void notSaved(CWsa& wsa, const QByteArray& path, int error)
+{
+    std::printf("crate file %s failed\n", path.constData());
+    reportNotSaved(wsa, QString::fromLocal8Bit(path), QString::fromLocal8Bit(std::strerror(error)));
+}
+
+// The picture beside the page, in `dirFd` (closed here); the page stands without it.
+void savePicture(const QPixmap& pixmap, int dirFd, const QByteArray& path)
+{
+    FILE* out = dirFd >= 0 ? wsaCreateOwnFile(dirFd, "wsa.bmp") : nullptr;
+    if (dirFd >= 0)
+        close(dirFd);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    const bool ok = out && buffer.open(QIODevice::WriteOnly) && pixmap.save(&buffer, "BMP") &&
+                    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), out) ==
+                        size_t(bytes.size());
+    if (out)
+        std::fclose(out);
+    if (!ok)
+        std::printf("crate file %s failed\n", path.constData());
 }
 
 void formatMacText(const char* mac, char* out, size_t outSize)
@@ -176,31 +184,33 @@ void saveUnder(CWsa& wsa, const QString& entry, const QPixmap& pixmap)
         std::printf("Test result name shortened to %d characters\n", room);
     }
 
-    const QString fileName = QString::fromLatin1(newtext, index);
-    const QString resultDir = QString::fromLocal8Bit(dir);
-    const QString resultPath = resultDir + QLatin1Char('/') + fileName + QLatin1String(".html");
-    const QString bmpPath = resultDir + QLatin1Char('/') + fileName + QLatin1String("_files");
+    // The directory's bytes as given: a name that is not text in the locale still names it.
+    const QByteArray base = QByteArray(dir) + '/';
+    const QByteArray pageName = QByteArray(newtext, index) + ".html";
+    const QByteArray pictureDir = QByteArray(newtext, index) + "_files";
 
-    char cmd[WSA_REPORT_COMMAND];
-    std::memset(cmd, 0, sizeof cmd);
-    char quoted[WSA_REPORT_COMMAND];
-    if (wsaShellQuote(bmpPath.toLocal8Bit().constData(), quoted, sizeof quoted)) {
-        const int n = std::snprintf(cmd, sizeof cmd, "mkdir -p %s", quoted);
-        if (n > 0 && size_t(n) < sizeof cmd)
-            (void)std::system(cmd);
-    }
-
-    const QByteArray resultPath8 = resultPath.toLocal8Bit();
-    FILE* pfHtml = std::fopen(resultPath8.constData(), "w+");
-    if (!pfHtml) {
+    const int dirFd = wsaOpenResultDir(dir);
+    if (dirFd < 0)
+        return notSaved(wsa, base + pageName, errno);
+    // A picture directory that cannot be made costs the picture; one planted under our name
+    // costs the save.
+    const int pictureFd = wsaOpenOwnDir(dirFd, pictureDir.constData());
+    if (pictureFd < 0 && (errno == ENOTDIR || errno == EPERM)) {
         const int error = errno;
-        std::printf("crate file %s failed\n", resultPath8.constData());
-        reportNotSaved(wsa, resultPath, QString::fromLocal8Bit(std::strerror(error)));
-        return;
+        close(dirFd);
+        return notSaved(wsa, base + pictureDir, error);
+    }
+    FILE* pfHtml = wsaCreateOwnFile(dirFd, pageName.constData());
+    const int pageError = errno;
+    close(dirFd);
+    if (!pfHtml) {
+        if (pictureFd >= 0)
+            close(pictureFd);
+        return notSaved(wsa, base + pageName, pageError);
     }
     writePageHead(pfHtml);
     wsa.saveGeneralInfoOfSet(pfHtml, WSA_REPORT_FONT_SIZE);
-    (void)pixmap.save(bmpPath + QLatin1String("/wsa.bmp"));
+    savePicture(pixmap, pictureFd, base + pictureDir + "/wsa.bmp");
     writePageTail(pfHtml, newtext);
     std::fclose(pfHtml);
 }
@@ -304,7 +314,7 @@ int GetVersion(const char* sPath, char* pOut, size_t nOutLength)
 {
     if (!sPath || !pOut || nOutLength == 0)
         return -2;
-    FILE* pStream = std::fopen(sPath, "r");
+    FILE* pStream = wsaOpenRegularFile(sPath);
     if (!pStream)
         return -1;
     std::memset(pOut, 0, nOutLength);

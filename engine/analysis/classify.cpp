@@ -377,9 +377,13 @@ double Classifier::nameWide(const Region& r, Detection& d) const
         d.add("mains_hz", r.mainsHz);
         return clamp01(r.mainsLock + 0.1);
     }
-    const double dsss = std::round((d.centerMHz - 2407) / 5) * 5 + 2407;
-    const bool dsssPlace = g24 && std::fabs(d.centerMHz - dsss) <= 1.5 && dsss >= 2412 && dsss <= 2472 &&
-                           width >= 6 && width <= 26;
+    // DSSS uses the 20 MHz plan's centres but channel 14's (a Japanese-only special case).
+    double dsss = 0;
+    for (const Channel& c : m_band->channels(20)) {
+        if (c.number <= 13 && std::fabs(d.centerMHz - c.centerMHz) < std::fabs(d.centerMHz - dsss))
+            dsss = c.centerMHz;
+    }
+    const bool dsssPlace = g24 && std::fabs(d.centerMHz - dsss) <= 1.5 && width >= 6 && width <= 26;
     Detection w = d;
     const bool wifi = fitWifi(r, w);
     if (!(wifi && r.edgeRatio >= 0.6) && g24 && width >= 8 && width <= 28 && r.plateau < 12 &&

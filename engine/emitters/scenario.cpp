@@ -83,7 +83,7 @@ TruthEmitter makeEmitter(const Band& band, EmitterKind kind, SplitMix& rng,
         e.slotS = rng.uniform(0.3e-3, 2.5e-3);
         break;
     case EmitterKind::WifiDsss:
-        e.centerMHz = 2407 + 5 * (1 + rng.below(13));
+        e.centerMHz = band.channels(20)[std::size_t(rng.below(13))].centerMHz; // channels 1-13
         e.widthMHz = 22;
         e.duty = rng.uniform(0.1, 0.7);
         e.slotS = rng.uniform(0.4e-3, 1.5e-3);

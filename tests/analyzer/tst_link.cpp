@@ -1,6 +1,7 @@
 // Engine link: records fed tick by tick through the test's own end of the link, their effect on
 // the store, the boxes and console lines they cause, and records that are cut or malformed.
 #include <QtTest>
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <unistd.h>
@@ -164,7 +165,8 @@ private slots:
             QSignalSpy closes(f.w, &CWsa::sigClose);
             stSweep record = wsatest::makeSweep(count, -40);
             record.type = type;
-            record.data[0] = 2400, record.data[1] = 2490, record.data[2] = 213;
+            if (type == SA_MSG_CONFIGURED)
+                record.data[0] = 2400, record.data[1] = 2490, record.data[2] = 213;
             QCOMPARE(tick(record, ok), seen);
             QCOMPARE(closes.count(), int(seen.value(1).startsWith("Error")));
             QCOMPARE(pBtSignatures->isHidden(), type == SA_MSG_CONFIGURED);
@@ -211,6 +213,44 @@ private slots:
             printed += tick().join(QString());
         QCOMPARE(printed, line);
         QCOMPARE(storedLevels(), QList<int>{-40} + extraStored + after);
+    }
+
+    // A sweep cut inside its levels, followed at once by the next record, in both bands: the cut
+    // sweep never reaches the store (its levels would be the next header's bytes: 101, 423,
+    // 108288, ...), so the maximum stays at what was sent; every whole sweep after it is stored.
+    void sweepCutInsideItsLevels_data()
+    {
+        QTest::addColumn<int>("band");
+        QTest::addColumn<int>("cut");
+        for (const int band : {0, 1})
+            for (const int cut : {8, 9, 10, 11, 100, 333, 1000, 1001, 1002, 1003, 1500})
+                QTest::addRow("%s, cut at %d", band ? "5 GHz" : "2.4 GHz", cut) << band << cut;
+    }
+    void sweepCutInsideItsLevels()
+    {
+        QFETCH(int, band);
+        QFETCH(int, cut);
+        s_band = band, f.w->initData();
+        const wsa::Band& plan = wsa::handheldBand(band);
+        auto bytes = [&](int level, int n = SA_RECORD_SIZE) {
+            const stSweep r = wsatest::makeSweep(plan.grid.raw, level);
+            return QByteArray(reinterpret_cast<const char*>(&r), n);
+        };
+        const QByteArray stream =
+            bytes(-60) + bytes(-65, cut) + bytes(-70) + bytes(-75);
+        QCOMPARE(write(f.link, stream.constData(), size_t(stream.size())), ssize_t(stream.size()));
+        // The refresh timer may read the link while a paint is awaited: its lines count too.
+        QString printed;
+        printed += wsatest::captureStdout([&] {
+            for (int i = 0; i < 6; ++i) {
+                printed += tick().join(QString());
+                QTRY_VERIFY(!bReceivedData); // each sweep's paint counts it
+            }
+        });
+        QCOMPARE(printed, QString("main received a record cut short\n"));
+        QCOMPARE(storedLevels(), QList<int>({-60, -70, -75}));
+        const int n = historyData[nLastIdx].num_samples;
+        QCOMPARE(*std::max_element(maxData.data + 1, maxData.data + n), -60);
     }
 
     // Garbage of random length and content between whole sweeps, in random pieces.

@@ -4,6 +4,7 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QtTest>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "cmessagebox.h"
@@ -251,13 +252,126 @@ private slots:
     {
         qputenv("WSA_MAC_ADDRESS", kMac);
         qputenv("WSA_SERIAL_NUMBER", "S<1>&\"2'");
-        QVERIFY(writeFile(vendorFile(), "X Common <b>&amp;\"v\" 'x'\n"));
+        // Bytes that are not UTF-8 (nor text at all) pass unchanged.
+        QVERIFY(writeFile(vendorFile(), "X Common <b>&amp;\"v\" 'x' \xff\xc3\x28\x01\n"));
         save("escaped");
         QFile page(dir("escaped.html"));
         QVERIFY(page.open(QIODevice::ReadOnly));
         QCOMPARE(page.readAll(),
-                 expectedPage("escaped", "Common &lt;b&gt;&amp;amp;&quot;v&quot; &#39;x&#39;\n",
+                 expectedPage("escaped",
+                              "Common &lt;b&gt;&amp;amp;&quot;v&quot; &#39;x&#39; \xff\xc3\x28\x01\n",
                               kMac, "S&lt;1&gt;&amp;&quot;2&#39;"));
+    }
+
+    // Names planted where the report's files go: nobody else's file is written, nothing waits.
+    void plantedNamesAreNotFollowed_data()
+    {
+        QTest::addColumn<QString>("plant");
+        QTest::addColumn<QString>("refused"); // the name the console line gives, empty: none
+        QTest::addColumn<int>("error");       // the reason in the box, 0: no box
+        QTest::addColumn<bool>("pageWritten");
+        QTest::newRow("page is a link") << "page link" << "planted.html" << ELOOP << false;
+        QTest::newRow("page is a hard link") << "page hard link" << "planted.html" << EEXIST
+                                             << false;
+        QTest::newRow("page of another user")
+            << "page foreign" << "planted.html" << EEXIST << false;
+        QTest::newRow("page is a FIFO") << "page fifo" << "planted.html" << ENXIO << false;
+        QTest::newRow("picture directory is a link")
+            << "dir link" << "planted_files" << ENOTDIR << false;
+        QTest::newRow("picture directory is a file")
+            << "dir file" << "planted_files" << ENOTDIR << false;
+        QTest::newRow("picture directory of another user")
+            << "dir foreign" << "planted_files" << EPERM << false;
+        QTest::newRow("picture is a link")
+            << "picture link" << "planted_files/wsa.bmp" << 0 << true;
+        QTest::newRow("own earlier report") << "own" << "" << 0 << true;
+    }
+    void plantedNamesAreNotFollowed()
+    {
+        QFETCH(QString, plant);
+        QFETCH(QString, refused);
+        QFETCH(int, error);
+        QFETCH(bool, pageWritten);
+        if (plant.endsWith("foreign") && geteuid() != 0)
+            QSKIP("only root can give a file to another user");
+        qputenv("WSA_MAC_ADDRESS", kMac);
+        qputenv("WSA_SERIAL_NUMBER", kSerial);
+        QVERIFY(writeFile(vendorFile(), kVendor));
+        const QString outside = m_f.env->path() + "/outside", outsideDir = outside + "-dir";
+        QVERIFY(QDir(outsideDir).removeRecursively() && QDir().mkpath(outsideDir));
+        QVERIFY(writeFile(outside, "keep"));
+        const QByteArray page = QFile::encodeName(dir("planted.html"));
+        const QByteArray pictures = QFile::encodeName(dir("planted_files"));
+        const QByteArray target = QFile::encodeName(outside);
+        bool planted = true;
+        if (plant == "page link")
+            planted = symlink(target, page) == 0;
+        else if (plant == "page hard link")
+            planted = link(target, page) == 0;
+        else if (plant == "page foreign")
+            planted = writeFile(dir("planted.html"), "keep") && chown(page, 4321, 4321) == 0;
+        else if (plant == "page fifo")
+            planted = mkfifo(page, 0600) == 0;
+        else if (plant == "dir link")
+            planted = symlink(QFile::encodeName(outsideDir), pictures) == 0;
+        else if (plant == "dir file")
+            planted = writeFile(dir("planted_files"), "keep");
+        else if (plant == "dir foreign")
+            planted = mkdir(pictures, 0777) == 0 && chown(pictures, 4321, 4321) == 0;
+        else if (plant == "picture link")
+            planted = mkdir(pictures, 0777) == 0 && symlink(target, pictures + "/wsa.bmp") == 0;
+        else if (plant == "own")
+            planted = writeFile(dir("planted.html"), "an earlier page, longer than the new one " +
+                                                         QByteArray(20000, 'x'));
+        QVERIFY(planted);
+
+        const QString out = save("planted");
+        const QString line = "crate file " + dir(refused) + " failed\n";
+        QCOMPARE(out.count("crate file"), int(!refused.isEmpty()));
+        QVERIFY2(refused.isEmpty() || out.contains(line), qPrintable(out));
+        QCOMPARE(out.count("[window]"), int(error != 0));
+        if (error)
+            QVERIFY2(out.contains("[window] Error: The test result could not be saved.\n" +
+                                  dir(refused) + '\n' + QString(strerror(error)) + '\n'),
+                     qPrintable(out));
+        QFile kept(outside);
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), QByteArray("keep"));
+        QCOMPARE(QDir(outsideDir).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), {});
+        if (plant == "page foreign") {
+            QFile foreign(dir("planted.html"));
+            QVERIFY(foreign.open(QIODevice::ReadOnly) && foreign.readAll() == "keep");
+        }
+        QFile written(dir("planted.html"));
+        QCOMPARE(QFileInfo(written).isFile() && written.open(QIODevice::ReadOnly) &&
+                     written.readAll() == expectedPage("planted", "Common 2.3.1\n", kMac, kSerial),
+                 pageWritten);
+    }
+
+    // The vendor file is read only when it is a regular file: a FIFO in its place would hold
+    // F1 forever. The version cell stays empty, as for a missing file.
+    void vendorFifoDoesNotHang()
+    {
+        qputenv("WSA_MAC_ADDRESS", kMac);
+        qputenv("WSA_SERIAL_NUMBER", kSerial);
+        QFile::remove(vendorFile());
+        QVERIFY(mkfifo(QFile::encodeName(vendorFile()), 0600) == 0);
+        save("fifo");
+        QFile page(dir("fifo.html"));
+        QVERIFY(page.open(QIODevice::ReadOnly));
+        QCOMPARE(page.readAll(), expectedPage("fifo", "", kMac, kSerial));
+        QFile::remove(vendorFile());
+    }
+
+    // A result directory whose name is not UTF-8 is used by its bytes.
+    void resultDirBytesAreKept()
+    {
+        const QByteArray path = QFile::encodeName(m_f.env->path()) + "/r\xff\xfe-\xc3(";
+        qputenv("WSA_RESULT_DIR", path);
+        const QString out = save("bytes");
+        QVERIFY2(!out.contains("[window]") && !out.contains("crate file"), qPrintable(out));
+        QVERIFY(access(path + "/bytes.html", F_OK) == 0);
+        QVERIFY(access(path + "/bytes_files/wsa.bmp", F_OK) == 0);
     }
 
     void f1SavesTheScreenAsABrowserShowsIt();

@@ -3,6 +3,7 @@
 #include <QtTest>
 #include <algorithm>
 
+#include "engine.h"
 #include "store.h"
 #include "wsatestsupport.h"
 
@@ -79,6 +80,26 @@ private slots:
             for (const auto& [level, index] : band ? colours5 : colours24)
                 QCOMPARE(QList<int>({level, waterfallColorIndex(level)}),
                          QList<int>({level, index}));
+        }
+    }
+
+    // A band the plan does not offer the handheld is refused with a console line and shown as
+    // 2.4 GHz, never taken for another band.
+    void unknownBandIsRefused()
+    {
+        const wsa::Band& first = wsa::handheldBand(0);
+        for (const int band : {2, 7, -1}) {
+            s_band = band;
+            const wsa::Band* chosen = nullptr;
+            const QString printed =
+                wsatest::captureStdout([&] { chosen = &wsaSelectedBand(); });
+            QCOMPARE(printed, QString("unknown band %1: showing 2.4 GHz\n").arg(band));
+            QCOMPARE(QList<int>({int(chosen->id), s_band}), QList<int>({0, 0}));
+            QCOMPARE(wsatest::captureStdout([] { wsaSelectedBand(); }), QString());
+            wsaResetStore(1, 0);
+            wsatest::captureStdout([&] { wsaResetStore(band, 0); });
+            QCOMPARE(QList<int>({nMinDraw, nMaxDraw}),
+                     QList<int>({first.handheld->minDbm, first.handheld->maxDbm}));
         }
     }
 

@@ -3,6 +3,7 @@
 // waterfall with its time labels, and the fast paint paths against the plain drawing.
 #include <QPainter>
 #include <QtTest>
+#include <algorithm>
 #include <climits>
 #include <tuple>
 
@@ -435,7 +436,6 @@ private slots:
             f.w->m_clickxPos = 240;
             f.w->m_SignaturePoint = {200, 150};
             bReferencePainting = reference;
-            frameCache().invalidate();
             captureStdout([&] { images[reference] = renderAnalyzer(f.w, QImage::Format(format)); });
             // The fast run must have taken the cached paths, in the target's own format.
             if (!reference) {
@@ -470,6 +470,38 @@ private slots:
         bReferencePainting = false;
         QVERIFY(plain != before);
         QVERIFY(renderAnalyzer(f.w) == plain);
+    }
+
+    // The cache follows what it was rendered from without being told: a colour map or display
+    // range changed behind its back shows at the next fast frame as in the plain drawing.
+    void cacheFollowsTheState_data()
+    {
+        QTest::addColumn<int>("change");
+        QTest::newRow("colour map") << 0;
+        QTest::newRow("display range") << 1;
+        QTest::newRow("store reset to the other band") << 2;
+    }
+    void cacheFollowsTheState()
+    {
+        QFETCH(int, change);
+        for (QImage::Format format : {QImage::Format_ARGB32_Premultiplied, QImage::Format_RGB16}) {
+            selectLayout(f.w, 0, ViewAll);
+            fillFullState(shownSamples(0));
+            const QImage before = renderAnalyzer(f.w, format);
+            if (change == 0)
+                std::reverse(std::begin(colormap), std::end(colormap));
+            else if (change == 1)
+                nMaxDraw -= 20;
+            else
+                wsaResetStore(1, 0);
+            const QImage fast = renderAnalyzer(f.w, format);
+            bReferencePainting = true;
+            const QImage plain = renderAnalyzer(f.w, format);
+            bReferencePainting = false;
+            fillColormap();
+            QVERIFY(fast != before);
+            QVERIFY(fast == plain);
+        }
     }
 
     // The diagnostic switch: any value but empty or "0" asks for the plain drawing.

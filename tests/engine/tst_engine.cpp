@@ -5,6 +5,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "bandplan.h"
 #include "halbrin_sa.h"
 
 // One engine in its own directory and the analyzer's end of its link; every wait is bounded.
@@ -13,13 +14,14 @@ struct Engine {
     QProcess proc;
     int listener = socket(AF_UNIX, SOCK_STREAM, 0);
     int link = -1;
+    const wsa::Band& band;
     int samples;
     std::vector<int> levels; // of every sweep read so far
 
     // Fast sweeps, each sent as it comes, unless `env` ("NAME=value ...") sets the rates.
     // Listens only a while after the start, as the analyzer does: the engine has to retry.
     Engine(const QStringList& args, const QString& env = {})
-        : samples(args.join(' ') == "-r 2" ? 1024 : 423)
+        : band(bandOf(args)), samples(band.simAnnouncement.samples)
     {
         proc.setEnvironment(QProcess::systemEnvironment()
                             << "WSA_SIM_RATE=200"
@@ -41,6 +43,16 @@ struct Engine {
 
     ~Engine() { close(link), close(listener), proc.kill(), proc.waitForFinished(); }
 
+    // The band of "-r N" in one word or two; the first band without.
+    static const wsa::Band& bandOf(const QStringList& args)
+    {
+        const QString n = args.join(' ').mid(3);
+        for (const wsa::Band& b : wsa::allBands())
+            if (n == QString::number(b.engineNumber))
+                return b;
+        return wsa::allBands().front();
+    }
+
     // Whether what comes next on the link is of `kind` (see TestEngine::stream_data).
     bool expect(char kind)
     {
@@ -51,13 +63,14 @@ struct Engine {
         if (kind == 'S')
             levels.insert(levels.end(), r.data, r.data + samples);
         std::sort(levels.begin(), levels.end());
-        const bool whole = bytes == SA_RECORD_SIZE, high = samples == 1024;
-        // The bins the analyzer shows (all 423, or the first 904 raw ones) end at its view's edge.
-        const int lastShownKHz = r.data[0] * 1000 + (high ? 903 : 422) * r.data[2];
+        const bool whole = bytes == SA_RECORD_SIZE;
+        // The probe's bins start at the grid's first cell and its shown ones end at the last.
+        const wsa::SourceGrid& g = band.grid;
+        const int lastShownKHz = r.data[0] * 1000 + (g.shown - 1) * r.data[2];
         const QHash<char, bool> meets{
             {'C', whole && r.type == SA_MSG_CONFIGURED && r.num_samples == samples &&
-                      r.data[0] == (high ? 5160 : 2400) &&
-                      qAbs(lastShownKHz - (high ? 5835000 : 2490000)) <= 1000},
+                      r.data[0] == std::lround(g.startHz / 1e6) &&
+                      qAbs(lastShownKHz - g.endHz / 1e3) <= 1000},
             {'S', whole && r.type == SA_MSG_SWEEP && r.num_samples == samples},
             {'X', bytes > 8 && bytes < SA_RECORD_SIZE && r.type == SA_MSG_SWEEP},
             {'B', whole && r.type == SA_MSG_SWEEP && uint(r.num_samples) > SA_MAX_SAMPLES},
@@ -97,6 +110,8 @@ void TestEngine::stream_data()
     QTest::newRow("2.4 GHz") << "" << none << levels;
     QTest::newRow("-r 2 in one word") << "" << QStringList{"-r 2"} << levels;
     QTest::newRow("-r 2 in two words") << "" << QStringList{"-r", "2"} << levels;
+    // Distant access points: a floor near -95 dBm, no signal as strong as at 2.4 or 5 GHz.
+    QTest::newRow("-r 3") << "" << QStringList{"-r 3"} << "C" + QString(20, 'S');
     QTest::newRow("rate 0") << "WSA_SIM_RATE=0" << none << "CQ";
     QTest::newRow("sweep limit") << "WSA_SIM_SWEEPS=3" << none << "CSSSQ";
     QTest::newRow("no probe") << "WSA_SIM_NO_PROBE=1" << none << "NE";

@@ -168,8 +168,9 @@ void AnalyzerFixture::stop()
 void selectLayout(CWsa* w, int band, Layout layout)
 {
     s_band = band;
-    nMinDraw = band ? -100 : -110;
-    nMaxDraw = band ? -50 : -10;
+    const wsa::HandheldMapping& mapping = *wsa::handheldBand(band).handheld;
+    nMinDraw = mapping.minDbm;
+    nMaxDraw = mapping.maxDbm;
     w->resizeGrid();
     switch (layout) {
     case ViewAll:
@@ -185,6 +186,12 @@ void selectLayout(CWsa* w, int band, Layout layout)
         w->procSpectral();
         break;
     }
+}
+
+int shownSamples(int band)
+{
+    const wsa::Band& b = wsa::handheldBand(band);
+    return b.handheld->reducedCount(b.grid.raw);
 }
 
 void fillFullState(int samples, quint32 seed)

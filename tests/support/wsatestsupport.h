@@ -74,6 +74,9 @@ enum Layout { ViewAll, PlanarOnly, TopoOnly, SpectralOnly };
 // Switches band geometry and display range (without restarting the engine) and the layout.
 void selectLayout(CWsa* w, int band, Layout layout);
 
+// Samples a sweep of the handheld band shows: the band's raw record after its reduction.
+int shownSamples(int band);
+
 // A full recording (3597 stored sweeps, every colour row filled) and a full density table of
 // `samples` samples per sweep, with random levels inside the band's display range.
 void fillFullState(int samples, quint32 seed = 42);

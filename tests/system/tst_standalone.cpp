@@ -6,8 +6,103 @@
 #include "../../apps/main.cpp"
 #include "wsatestsupport.h"
 
+#include <QProcess>
+#include <signal.h>
+#include <sys/stat.h>
+
 namespace
 {
+
+// The stand-alone program as a desktop installation builds it.
+QString desktopProgram()
+{
+    return QFileInfo(WSA_ENGINE_BIN).dir().filePath("../apps/wsa-desktop-variant");
+}
+
+// Process state letter from /proc ('Z' for a zombie), or 0 when there is no such process.
+char processState(qint64 pid)
+{
+    QFile stat(QString("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray text = stat.readAll();
+    const int close = text.lastIndexOf(')');
+    return close > 0 && close + 2 < text.size() ? text[close + 2] : 0;
+}
+
+// Permission bits of a file, -1 when it cannot be examined.
+int modeOf(const QString& path)
+{
+    struct stat st;
+    return ::stat(QFile::encodeName(path), &st) == 0 ? int(st.st_mode & 07777) : -1;
+}
+
+bool running(qint64 pid)
+{
+    const char state = processState(pid);
+    return state != 0 && state != 'Z';
+}
+
+// The running engine (a process named wsa_raw) whose parent is `parent`, or 0.
+qint64 engineOf(qint64 parent)
+{
+    for (const QString& entry : QDir("/proc").entryList(QDir::Dirs)) {
+        bool number = false;
+        const qint64 pid = entry.toLongLong(&number);
+        QFile stat("/proc/" + entry + "/stat");
+        if (!number || !stat.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray text = stat.readAll();
+        const int close = text.lastIndexOf(')');
+        const QList<QByteArray> fields = text.mid(close + 2).split(' ');
+        if (text.contains("(wsa_raw)") && fields.size() > 1 && fields[1].toLongLong() == parent &&
+            running(pid))
+            return pid;
+    }
+    return 0;
+}
+
+// A desktop session of its own: a private runtime directory and home, the fake engine.
+struct DesktopSession {
+    QTemporaryDir root;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    QString runtime() const { return root.path() + "/run"; }
+    DesktopSession()
+    {
+        QDir().mkpath(runtime());
+        QFile::setPermissions(runtime(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QDir().mkpath(root.path() + "/start");
+        env.insert("XDG_RUNTIME_DIR", runtime());
+        env.insert("HOME", root.path());
+        env.insert("QT_QPA_PLATFORM", "offscreen");
+        env.insert("WSA_ENGINE_PATH", WSA_FAKE_ENGINE_BIN);
+        env.insert("WSA_ENGINE_TIMEOUT_MS", "5000");
+        env.insert("WSA_RECORD_DIR", "");
+        env.remove("FAKE_ENGINE_MODE");
+        env.remove("WSA_RESULT_DIR");
+    }
+    // Starts an instance in the start directory and waits for its engine; 0 when none came.
+    qint64 start(QProcess& p)
+    {
+        p.setProcessEnvironment(env);
+        p.setWorkingDirectory(root.path() + "/start");
+        p.setProcessChannelMode(QProcess::MergedChannels);
+        p.start(desktopProgram(), {});
+        if (!p.waitForStarted(5000))
+            return 0;
+        QDeadlineTimer deadline(15000);
+        qint64 engine = 0;
+        while ((engine = engineOf(p.processId())) == 0 && !deadline.hasExpired())
+            QTest::qWait(50);
+        return engine;
+    }
+    // Closes an instance as a desktop session does, with SIGTERM; true when it ended by itself.
+    static bool close(QProcess& p)
+    {
+        ::kill(pid_t(p.processId()), SIGTERM);
+        return p.waitForFinished(10000) && p.exitStatus() == QProcess::NormalExit;
+    }
+};
 
 const char* const kVariables[] = {"WSA_SOURCE", "WSA_REPLAY_FILE", "WSA_RECORD_DIR"};
 
@@ -34,6 +129,9 @@ private slots:
     void options();
     void versionIsTheProjects();
     void endsWithFailureWhenTheAnalyzerAsksToClose();
+    void desktopInstanceStopsOnlyItsOwnEngine();
+    void desktopSessionDirectory_data();
+    void desktopSessionDirectory();
 };
 
 void TestStandalone::options_data()
@@ -116,6 +214,77 @@ void TestStandalone::endsWithFailureWhenTheAnalyzerAsksToClose()
     QVERIFY(boxShown);
     QCOMPARE(status, 1);
     QVERIFY2(out.contains("wsa: closing: the analyzer asked to close"), qPrintable(out));
+}
+
+// Two desktop instances of one user: closing one stops its own engine and leaves the other's.
+void TestStandalone::desktopInstanceStopsOnlyItsOwnEngine()
+{
+    QVERIFY2(QFileInfo::exists(desktopProgram()), "build the wsa_desktop_variant target");
+    DesktopSession session;
+    QProcess first, second;
+    const qint64 firstEngine = session.start(first);
+    const qint64 secondEngine = session.start(second);
+    QVERIFY(firstEngine && secondEngine && firstEngine != secondEngine);
+    QVERIFY2(DesktopSession::close(first), first.readAll().constData());
+    QCOMPARE(first.exitCode(), 0);
+    QTRY_VERIFY(!running(firstEngine));
+    QTest::qWait(300);
+    QVERIFY(running(secondEngine));
+    QVERIFY(DesktopSession::close(second));
+    QTRY_VERIFY(!running(secondEngine));
+}
+
+// The session directory is used only when it is a directory of our own; anything else planted
+// at its name is refused with a line, and a fresh private directory holds the socket instead.
+void TestStandalone::desktopSessionDirectory_data()
+{
+    QTest::addColumn<QString>("plant");
+    QTest::addColumn<QString>("refusal"); // empty: the directory is used
+    QTest::newRow("own directory, too open") << "own" << "";
+    QTest::newRow("symbolic link") << "link" << "is a symbolic link";
+    QTest::newRow("file") << "file" << "is not a directory";
+    QTest::newRow("another user's directory") << "foreign" << "belongs to another user";
+}
+
+void TestStandalone::desktopSessionDirectory()
+{
+    QFETCH(QString, plant);
+    QFETCH(QString, refusal);
+    if (plant == "foreign" && geteuid() != 0)
+        QSKIP("only root can give a directory to another user");
+    DesktopSession session;
+    const QString named = session.runtime() + "/wsa", elsewhere = session.root.path() + "/target";
+    QVERIFY(QDir().mkpath(elsewhere) && ::chmod(QFile::encodeName(elsewhere), 0755) == 0);
+    const QByteArray path = QFile::encodeName(named);
+    bool planted = false;
+    if (plant == "own")
+        planted = ::mkdir(path, 0755) == 0;
+    else if (plant == "link")
+        planted = ::symlink(QFile::encodeName(elsewhere), path) == 0;
+    else if (plant == "file")
+        planted = QFile(named).open(QIODevice::WriteOnly);
+    else
+        planted = ::mkdir(path, 0755) == 0 && ::chown(path, 4321, 4321) == 0;
+    QVERIFY(planted);
+
+    QProcess wsa;
+    QVERIFY(session.start(wsa));
+    QString used = named;
+    if (!refusal.isEmpty()) {
+        QTRY_VERIFY(wsa.canReadLine());
+        const QString line = QString::fromLocal8Bit(wsa.readLine()).trimmed();
+        const QString expected = "wsa: " + named + ' ' + refusal + "; using ";
+        QVERIFY2(line.startsWith(expected), qPrintable(line));
+        used = line.mid(expected.size()).remove(QRegularExpression(" instead$"));
+    }
+    QFileInfo dir(used);
+    QVERIFY(dir.isDir() && !dir.isSymLink() && dir.ownerId() == geteuid());
+    QCOMPARE(modeOf(used), 0700);
+    QVERIFY(QFileInfo::exists(used + "/SERVERSOCK"));
+    QVERIFY(!QFileInfo::exists(session.root.path() + "/start/SERVERSOCK"));
+    QVERIFY(DesktopSession::close(wsa));
+    QCOMPARE(modeOf(elsewhere), 0755);
+    QCOMPARE(QDir(elsewhere).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), {});
 }
 
 QTEST_MAIN(TestStandalone)

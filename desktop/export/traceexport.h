@@ -1,0 +1,26 @@
+// Files the window writes: the traces as CSV (one row per cell, frequency in Hz, levels in dBm)
+// and pictures. Written through QSaveFile, so a failed write never leaves half a file behind.
+#ifndef DESKTOP_TRACEEXPORT_H
+#define DESKTOP_TRACEEXPORT_H
+
+#include <QImage>
+#include <QString>
+
+#include "sweepmodel.h"
+
+class QIODevice;
+
+namespace wsa::desktop
+{
+
+// The CSV text: a header line, then per cell its centre frequency and each trace's level, empty
+// where a trace has no data yet.
+QByteArray tracesCsv(const SweepModel& model);
+
+// Writes to `path`; on failure returns false and a sentence naming the file and the cause.
+bool saveTracesCsv(const SweepModel& model, const QString& path, QString* error);
+bool savePicture(const QImage& image, const QString& path, QString* error);
+
+} // namespace wsa::desktop
+
+#endif

@@ -1,0 +1,95 @@
+// The desktop instrument: the spectrum, density and waterfall views stacked in adjustable
+// splitters (or one at a time), the controls beside them and the marker table below. It shows
+// whatever the feed it is given holds; acquisition is someone else's.
+#ifndef DESKTOP_INSTRUMENTWINDOW_H
+#define DESKTOP_INSTRUMENTWINDOW_H
+
+#include <QMainWindow>
+
+#include "controlpanel.h"
+#include "plotframe.h"
+
+class QLabel;
+class QTimer;
+class QMenu;
+class QSettings;
+class QSplitter;
+
+namespace wsa::desktop
+{
+
+class DensityView;
+class MarkerTable;
+class Markers;
+class SpectrumView;
+class SweepFeed;
+class WaterfallView;
+
+class InstrumentWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    explicit InstrumentWindow(SweepFeed* feed, QWidget* parent = nullptr);
+
+    SpectrumView* spectrum() const { return m_spectrum; }
+    DensityView* density() const { return m_density; }
+    WaterfallView* waterfall() const { return m_waterfall; }
+    Markers* markers() const { return m_markers; }
+    ControlPanel* controls() const { return m_controls; }
+    MarkerTable* markerTable() const { return m_table; }
+    const DisplaySettings& settings() const { return m_settings; }
+
+    // The picture of the views as shown, and the shown traces as CSV; false and a message
+    // naming the file and the cause when the file cannot be written.
+    bool exportPicture(const QString& path, QString* error);
+    bool exportTraces(const QString& path, QString* error);
+    // Window layout, display settings, averaging and view mode, kept between runs.
+    void saveSettings(QSettings& settings) const;
+    void restoreSettings(QSettings& settings);
+
+public slots:
+    void setSettings(const wsa::desktop::DisplaySettings& s);
+    void setViewMode(wsa::desktop::ViewMode mode);
+    void setPaused(bool paused);
+    // Shows these frequencies in every view (clamped into the band); both 0 for the whole band.
+    void setSpan(double lowHz, double highHz);
+    // Shows these levels in every view, within the density table's range and at least 1 dB.
+    void setLevelRange(double bottomDbm, double topDbm);
+    // Narrows (factor < 1) or widens the span about its centre.
+    void zoom(double factor);
+
+private:
+    void connectControls();
+    void createMenus();
+    QMenu* createFileMenu();
+    QMenu* createViewMenu();
+    QMenu* createMeasureMenu();
+    void createStatusBar();
+    void updateStatus();
+    void askAndExport(bool picture);
+    void showError(const QString& text);
+    void onShownReset();
+    void syncMarkerControls();
+
+    SweepFeed* m_feed;
+    Markers* m_markers;
+    QSplitter* m_views;
+    SpectrumView* m_spectrum;
+    DensityView* m_density;
+    WaterfallView* m_waterfall;
+    ControlPanel* m_controls;
+    MarkerTable* m_table;
+    DisplaySettings m_settings;
+    const Band* m_band = nullptr;
+    QLabel* m_bandLabel = nullptr;
+    QLabel* m_countLabel = nullptr;
+    QLabel* m_pausedLabel = nullptr;
+    QLabel* m_pointerLabel = nullptr;
+    QTimer* m_statusTimer = nullptr;
+    quint64 m_lastCount = 0;
+    qint64 m_lastCountMs = 0;
+};
+
+} // namespace wsa::desktop
+
+#endif

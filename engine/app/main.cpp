@@ -1,0 +1,99 @@
+// wsa_raw, the acquisition engine: the environment chooses a source from the registry, its
+// sweeps go through pacing to the sinks. Its variables are listed by `wsa_raw --help` (the
+// table in the engine library); the analyzer starts it as `wsa_raw [-r N]` in the directory of
+// its socket ./SERVERSOCK.
+//
+// Exit status: 0 when the analyzer closed the connection or the source ended the stream; 1 when
+// the analyzer could not be reached or a write failed; 2 for a setting that leaves nothing to do.
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <unistd.h>
+
+#include "csvrecorder.h"
+#include "enginecore.h"
+#include "options.h"
+#include "recordsocket.h"
+#include "registry.h"
+
+namespace
+{
+
+// The analyzer sleeps a second after starting us before it accepts; connect() already succeeds
+// once it listens, so five seconds of retries cover a slow start.
+constexpr int kConnectAttempts = 100;
+constexpr int kConnectIntervalMs = 50;
+
+// Recording on its own ends at SIGTERM or SIGINT; the signal only marks the pipe, and the
+// engine's next wait sees it.
+int s_stopPipe[2] = {-1, -1};
+
+void onStopSignal(int)
+{
+    const char byte = 0;
+    (void)!write(s_stopPipe[1], &byte, 1);
+}
+
+int stopFdOnSignals()
+{
+    if (pipe2(s_stopPipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        return -1;
+    struct sigaction action{};
+    action.sa_handler = onStopSignal;
+    sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGINT, &action, nullptr);
+    return s_stopPipe[0];
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const Options options = parseOptions(argc, argv);
+    if (options.help) {
+        std::fputs(helpText().c_str(), stdout);
+        return 0;
+    }
+    const Settings& settings = options.settings;
+    const wsa::Band& band = *options.band;
+    const bool recordOnly = settings.flag("WSA_RECORD_ONLY");
+    const std::string recordDir = settings.text("WSA_RECORD_DIR");
+    if (recordOnly && recordDir.empty()) {
+        std::fprintf(stderr, "wsa_raw: WSA_RECORD_ONLY=1 needs WSA_RECORD_DIR: nothing to do\n");
+        return 2;
+    }
+    const SourceEntry* entry = findSource(options.source);
+
+    std::unique_ptr<RecordSocketSink> analyzer;
+    if (!recordOnly) {
+        const int fd = connectToAnalyzer("SERVERSOCK", kConnectAttempts, kConnectIntervalMs);
+        if (fd < 0) {
+            std::fprintf(stderr, "wsa_raw: cannot connect to ./SERVERSOCK: %s\n",
+                         std::strerror(errno));
+            return 1;
+        }
+        analyzer = std::make_unique<RecordSocketSink>(fd);
+    }
+    std::unique_ptr<CsvRecorderSink> recorder;
+    if (!recordDir.empty() && entry)
+        recorder = std::make_unique<CsvRecorderSink>(recordDir, band);
+
+    const MonotonicClock clock;
+    const Detector detector =
+        settings.text("WSA_DETECTOR") == "average" ? Detector::Average : Detector::Peak;
+    Engine engine(band, clock, detector, settings.number("WSA_OUTPUT_RATE"));
+    if (analyzer)
+        engine.addSink(analyzer.get());
+    if (recorder)
+        engine.addSink(recorder.get());
+    if (recordOnly)
+        engine.setStopFd(stopFdOnSignals());
+
+    if (!entry)
+        return noProbe(engine, StatusReason::UnknownSource, "unknown WSA_SOURCE=" + options.source,
+                       "use " + sourceNames());
+    return entry->make(settings, band)->run(engine);
+}

@@ -1,0 +1,178 @@
+// The band plan and the axes: channel plans that bond correctly, grids that match what the
+// analyzer has always shown, and refusal of bands the plan does not know.
+#include <QtTest>
+
+#include <cmath>
+#include <set>
+
+#include "axis.h"
+#include "bandplan.h"
+
+using namespace wsa;
+
+class TestBandPlan : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void channelPlans_data()
+    {
+        QTest::addColumn<QString>("band");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("first");
+        QTest::addColumn<double>("firstMHz");
+        QTest::addColumn<int>("last");
+        QTest::addColumn<double>("lastMHz");
+        QTest::newRow("2.4/20") << "2g4" << 20 << 14 << 1 << 2412.0 << 14 << 2484.0;
+        QTest::newRow("5/20") << "5g" << 20 << 28 << 36 << 5180.0 << 177 << 5885.0;
+        QTest::newRow("5/40") << "5g" << 40 << 14 << 38 << 5190.0 << 175 << 5875.0;
+        QTest::newRow("5/80") << "5g" << 80 << 7 << 42 << 5210.0 << 171 << 5855.0;
+        QTest::newRow("5/160") << "5g" << 160 << 3 << 50 << 5250.0 << 163 << 5815.0;
+        QTest::newRow("6/20") << "6g" << 20 << 59 << 1 << 5955.0 << 233 << 7115.0;
+        QTest::newRow("6/40") << "6g" << 40 << 29 << 3 << 5965.0 << 227 << 7085.0;
+        QTest::newRow("6/80") << "6g" << 80 << 14 << 7 << 5985.0 << 215 << 7025.0;
+        QTest::newRow("6/160") << "6g" << 160 << 7 << 15 << 6025.0 << 207 << 6985.0;
+        QTest::newRow("6/320") << "6g" << 320 << 6 << 31 << 6105.0 << 191 << 6905.0;
+    }
+    void channelPlans()
+    {
+        QFETCH(QString, band);
+        QFETCH(int, width);
+        QFETCH(int, count);
+        QFETCH(int, first);
+        QFETCH(double, firstMHz);
+        QFETCH(int, last);
+        QFETCH(double, lastMHz);
+        const Band* b = findBand(band.toStdString());
+        QVERIFY(b);
+        const std::vector<Channel>& ch = b->channels(width);
+        QCOMPARE(int(ch.size()), count);
+        QCOMPARE(ch.front().number, first);
+        QCOMPARE(ch.front().centerMHz, firstMHz);
+        QCOMPARE(ch.back().number, last);
+        QCOMPARE(ch.back().centerMHz, lastMHz);
+        for (const Channel& c : ch) {
+            QCOMPARE(c.widthMHz, width);
+            // Every channel lies inside its band's nominal range where the plan is used whole.
+            if (b->id == BandId::Ghz6)
+                QVERIFY(c.lowMHz() >= 5925 && c.highMHz() <= 7125);
+        }
+    }
+
+    // Every bonded channel covers exactly a run of adjacent 20 MHz channels of the same plan, and
+    // no two channels of one width overlap (320 MHz aside, whose two sets overlap by design).
+    void bondedChannelsCoverTwentyMegahertzRuns()
+    {
+        for (const Band& b : allBands()) {
+            const std::vector<Channel>& narrow = b.channels(20);
+            for (int width : b.widthsMHz) {
+                const std::vector<Channel>& ch = b.channels(width);
+                QVERIFY2(!ch.empty(), b.key);
+                for (std::size_t k = 0; k < ch.size(); ++k) {
+                    const Channel& c = ch[k];
+                    int covered = 0;
+                    for (const Channel& n : narrow) {
+                        if (n.lowMHz() >= c.lowMHz() - 1e-9 && n.highMHz() <= c.highMHz() + 1e-9)
+                            ++covered;
+                    }
+                    QVERIFY2(covered == width / 20,
+                             qPrintable(QString("%1 channel %2 at %3 MHz covers %4 channels")
+                                            .arg(b.key).arg(c.number).arg(width).arg(covered)));
+                    if (width != 320 && k > 0)
+                        QVERIFY(ch[k - 1].highMHz() <= c.lowMHz() + 1e-9 || b.id == BandId::Ghz24);
+                    QCOMPARE(b.channel(width, c.number), &ch[k]);
+                }
+            }
+            QCOMPARE(b.channel(20, 999), nullptr);
+            QVERIFY(b.channels(30).empty());
+        }
+    }
+
+    // The grids produce what the analyzer has always been sent and shown.
+    void gridsAndAnnouncements()
+    {
+        const Band& b24 = *findBand(BandId::Ghz24);
+        const Band& b5 = *findBand(BandId::Ghz5);
+        const Band& b6 = *findBand(BandId::Ghz6);
+        QCOMPARE(b24.grid.shown, 423);
+        QCOMPARE(b24.grid.raw, 423);
+        QCOMPARE(b5.grid.shown, 904);
+        QCOMPARE(b5.grid.raw, 1024);
+        QVERIFY(b6.grid.raw <= 1024);
+        for (const Band* b : {&b24, &b5, &b6}) {
+            const SourceGrid& g = b->grid;
+            QVERIFY(std::fabs(g.binHz(g.shown - 1) - g.endHz) < 1);
+            QVERIFY(g.lowEdgeHz() >= b->lowHz - g.stepHz && g.highEdgeHz() <= b->highHz + g.stepHz);
+        }
+        const Announcement a5 = b5.gridAnnouncement();
+        QCOMPARE(QList<int>({a5.startMHz, a5.endMHz, a5.stepKHz, a5.samples}),
+                 QList<int>({5160, 5835, 748, 1024}));
+        const Announcement s5 = b5.simAnnouncement;
+        QCOMPARE(QList<int>({s5.startMHz, s5.endMHz, s5.stepKHz, s5.samples}),
+                 QList<int>({5160, 5924, 747, 1024}));
+        const Announcement s24 = b24.simAnnouncement;
+        QCOMPARE(QList<int>({s24.startMHz, s24.endMHz, s24.stepKHz, s24.samples}),
+                 QList<int>({2400, 2490, 213, 423}));
+        QCOMPARE(b6.lowHz, 5925e6);
+        QCOMPARE(b6.highHz, 7125e6);
+        QCOMPARE(b6.handheld, nullptr);
+    }
+
+    void handheldMapping()
+    {
+        const HandheldMapping& m24 = *handheldBand(0).handheld;
+        const HandheldMapping& m5 = *handheldBand(1).handheld;
+        QCOMPARE(m24.reducedCount(423), 423);
+        QCOMPARE(m5.reducedCount(1024), 452);
+        QCOMPARE(m5.reducedCount(120), 0);
+        QCOMPARE(m5.reducedCount(119), -1);
+        // Labels: 2410..2480 every 47 pixels, 5260..5760 every 65.
+        QCOMPARE(handheld::labelCount(m24, m24.gridWidth), 8);
+        QCOMPARE(handheld::labelMHz(m24, 1), 2410);
+        QCOMPARE(handheld::labelOffset(m24, 8), 376);
+        QCOMPARE(handheld::labelCount(m5, m5.gridWidth), 6);
+        QCOMPARE(handheld::labelMHz(m5, 6), 5760);
+        // The Inspector interpolates whole MHz and truncates.
+        QCOMPARE(handheld::inspectorMHz(m24, 0, m24.gridWidth), 2400);
+        QCOMPARE(handheld::inspectorMHz(m24, 211, m24.gridWidth), 2444);
+        QCOMPARE(handheld::inspectorMHz(m5, 455, m5.gridWidth), 5835);
+        QCOMPARE(handheld::inspectorMHz(m5, 10, 0), 5160);
+    }
+
+    // A band the plan does not know is refused with a console line, never taken for another.
+    void unknownBandsRefused()
+    {
+        QCOMPARE(findBandIndex(3), nullptr);
+        QCOMPARE(findBandIndex(-1), nullptr);
+        QCOMPARE(findBand(std::string("7g")), nullptr);
+        QCOMPARE(checkedBand(5, "test"), nullptr);
+        QCOMPARE(checkedBand(std::string("x"), "test"), nullptr);
+        QCOMPARE(handheldBand(2).id, BandId::Ghz24); // 6 GHz has no handheld screen
+        QCOMPARE(handheldBand(7).id, BandId::Ghz24);
+        std::set<std::string> keys;
+        for (const Band& b : allBands())
+            QVERIFY(keys.insert(b.key).second);
+    }
+
+    void axisRoundTrips()
+    {
+        for (const Band& b : allBands()) {
+            const Axis axis(b.grid, 37.0, 1613.0);
+            QCOMPARE(axis.columnOfHz(axis.lowHz()), 37.0);
+            QVERIFY(std::fabs(axis.columnOfHz(axis.highHz()) - (37.0 + 1613.0)) < 1e-6);
+            for (int bin : {0, 1, b.grid.shown / 2, b.grid.shown - 1}) {
+                const double x = axis.columnOfBin(bin);
+                QCOMPARE(axis.binOfColumn(x), bin);
+                QCOMPARE(axis.nearestBin(axis.hzOfBin(bin) + b.grid.stepHz * 0.4), bin);
+                QVERIFY(std::fabs(axis.hzOfColumn(x) - axis.hzOfBin(bin)) < 1e-3);
+            }
+            QCOMPARE(axis.binOfColumn(-1e9), 0);
+            QCOMPARE(axis.binOfColumn(1e9), b.grid.shown - 1);
+            QCOMPARE(axis.nearestBin(-1e12), 0);
+        }
+    }
+};
+
+QTEST_APPLESS_MAIN(TestBandPlan)
+#include "tst_bandplan.moc"
