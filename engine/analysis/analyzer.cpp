@@ -28,9 +28,9 @@ Analyzer::Analyzer(const Band& band)
     : m_band(&band), m_floor(band.grid.shown), m_activity(band.grid.shown), m_channels(band),
       m_classifier(band), m_clean(std::size_t(band.grid.shown))
 {
-    m_detections.reserve(256);
-    m_tracks.reserve(64);
-    m_current.reserve(64);
+    m_detections.reserve(300); // at most one a region (256) and the hoppers
+    m_tracks.reserve(256);
+    m_current.reserve(256);
     m_ended.reserve(kEndedKept);
 }
 

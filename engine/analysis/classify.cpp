@@ -386,6 +386,14 @@ double Classifier::nameWide(const Region& r, Detection& d) const
     const bool dsssPlace = g24 && std::fabs(d.centerMHz - dsss) <= 1.5 && width >= 6 && width <= 26;
     Detection w = d;
     const bool wifi = fitWifi(r, w);
+    if (!(wifi && r.edgeRatio >= 0.6) && g24 && width >= 8 && width <= 28 && r.plateau < 12 &&
+        r.occupancy >= 0.3 && r.shoulderDb < 2.5) {
+        // Lit about as often as its level clears the threshold: a steady signal barely above
+        // the noise, at 2.4 GHz the top of an analog video bell.
+        d.kind = EmitterKind::AvTransmitter;
+        d.add("shoulder_db", r.shoulderDb);
+        return 0.4;
+    }
     if (dsssPlace && (r.shoulderDb >= 2.5 || !wifi)) {
         d.kind = EmitterKind::WifiDsss;
         d.centerMHz = dsss;
