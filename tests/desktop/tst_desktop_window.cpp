@@ -167,7 +167,9 @@ private slots:
         // Over the level axis the wheel shifts the levels, and with Ctrl narrows them.
         const QRectF plot = view->plotLayout().plot;
         const QPoint axisPoint(int(plot.left() / 2), int(plot.center().y()));
+        QSignalSpy levelSpy(view, &PlotView::levelRangeRequested);
         wheel(view, axisPoint, QPoint(0, 240), Qt::NoModifier);
+        QCOMPARE(levelSpy.count(), 1);
         QCOMPARE(w.settings().bottomDbm, -110.0);
         QCOMPARE(w.settings().topDbm, 0.0);
         QCOMPARE(w.controls()->settings().topDbm, 0.0);
