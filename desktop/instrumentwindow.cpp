@@ -57,6 +57,8 @@ InstrumentWindow::InstrumentWindow(SweepFeed* feed, QWidget* parent)
     createStatusBar();
     onShownReset();
     resize(1280, 800);
+    // Arrow keys and marker numbers go to the spectrum from the start.
+    m_spectrum->setFocus();
 }
 
 void InstrumentWindow::connectControls()

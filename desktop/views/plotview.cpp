@@ -206,8 +206,12 @@ void PlotView::buildOverlayLines(const PlotLayout& l, const Axis& a)
     const std::vector<Channel> plan = model().band().channels(m_settings.channelWidthMHz);
     if (!m_settings.showChannels || !channelsDisjoint(plan))
         return;
+    // Channel edges closer than a label's width would only hatch the plot.
+    const double least = fm.horizontalAdvance(QStringLiteral("000"));
     for (const ChannelMark& m :
          channelMarks(model().band(), m_settings.channelWidthMHz, a, span(), l.channelLabels, fm)) {
+        if (m.highX - m.lowX < least)
+            continue;
         m_channelLines.append(QLineF(m.lowX, r.top(), m.lowX, r.bottom()));
         m_channelLines.append(QLineF(m.highX, r.top(), m.highX, r.bottom()));
     }
