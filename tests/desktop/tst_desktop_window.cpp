@@ -85,6 +85,13 @@ private slots:
         QCOMPARE(two.deltaDb, 0.0f);
         QVERIFY(two.deltaHz < -350e6);
 
+        // Pressing on marker 1 picks it up without moving it; dragging then moves it.
+        const QPoint onOne(int(view->axis().columnOfBin(dragged - 9)), to.y());
+        QTest::mousePress(view, Qt::LeftButton, {}, onOne);
+        QCOMPARE(w.markers()->active(), 0);
+        QCOMPARE(w.markers()->reading(feed.shown(), 0, 20).bin, dragged - 9);
+        QTest::mouseRelease(view, Qt::LeftButton, {}, onOne);
+
         // The table shows both, with the channel under each.
         w.markerTable()->refresh();
         QCOMPARE(w.markerTable()->item(1, MarkerTable::Channel)->text(), QString("40"));
