@@ -96,6 +96,8 @@ void InstrumentWindow::connectControls()
 
 void InstrumentWindow::onShownReset()
 {
+    // A new band ends a pause; the controls follow.
+    m_controls->setPaused(m_feed->isPaused());
     const Band& band = m_feed->shown().band();
     if (&band == m_band)
         return;

@@ -59,7 +59,12 @@ Span PlotView::span() const
 void PlotView::onSweepShown()
 {
     // A layer built for another band or layout is rebuilt at the next paint instead.
-    // Only the data area changes, and its place is known from the last paint.
+    // A hidden view catches up in one rebuild when shown. Otherwise only the data area changes,
+    // and its place is known from the last paint.
+    if (!isVisible()) {
+        m_dataValid = false;
+        return;
+    }
     if (m_dataValid && m_key.band == &model().band() && m_key.size == size()) {
         appendSweep();
         update(m_plotRect);

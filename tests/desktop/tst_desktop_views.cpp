@@ -353,6 +353,35 @@ private slots:
         }
     }
 
+    void sweepBySweepLayersMatchARebuild()
+    {
+        // The incremental path (a sweep into layers built before) must paint exactly what a
+        // rebuild from the store paints, also once the waterfall's ring has wrapped.
+        const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz5);
+        SweepFeed feed(b, 600);
+        Markers markers;
+        SpectrumView spectrum(&feed, &markers);
+        DensityView density(&feed);
+        WaterfallView waterfall(&feed);
+        desktoptest::BusyBand busy(b, 5);
+        for (PlotView* v : {static_cast<PlotView*>(&spectrum), static_cast<PlotView*>(&density),
+                            static_cast<PlotView*>(&waterfall)}) {
+            for (qreal dpr : kRatios) {
+                v->resize(700, 180);
+                v->show();
+                desktoptest::render(*v, v->size(), dpr); // builds the layers
+                for (int s = 0; s < 300; ++s)
+                    feed.addSweep(busy.next().data(), b.grid.shown, s);
+                const QImage incremental = desktoptest::render(*v, v->size(), dpr);
+                feed.setPaused(true); // a pause rebuilds every layer from the store
+                const QImage rebuilt = desktoptest::render(*v, v->size(), dpr);
+                feed.setPaused(false);
+                QVERIFY2(incremental == rebuilt, v->metaObject()->className());
+                v->hide();
+            }
+        }
+    }
+
     void resetHoldsClearsTheHeldTraces()
     {
         const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz24);

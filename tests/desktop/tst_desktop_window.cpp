@@ -268,7 +268,10 @@ private slots:
         QCOMPARE(w.spectrum()->settings().channelWidthMHz, 80);
 
         const wsa::Band& b6 = *wsa::findBand(wsa::BandId::Ghz6);
+        w.setPaused(true);
         feed.configure(b6);
+        QVERIFY(!feed.isPaused());
+        QVERIFY(!button(w.controls(), QObject::tr("Pause"))->isChecked());
         QCOMPARE(width->count(), int(b6.widthsMHz.size()));
         QVERIFY(width->findData(320) >= 0);
         QCOMPARE(w.settings().channelWidthMHz, 80);
