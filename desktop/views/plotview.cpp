@@ -157,8 +157,11 @@ bool PlotView::levelWheel(QWheelEvent* event, const PlotLayout& l)
 
 void PlotView::changeEvent(QEvent* event)
 {
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+    // The font sets the margins, and so the plot every layer is built for.
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
         m_frameKey = {};
+        m_dataValid = false;
+    }
     QWidget::changeEvent(event);
 }
 

@@ -72,21 +72,28 @@ private slots:
         const auto sweep = desktoptest::sweepWithSignal(b, hz, -30, -115);
         feed.addSweep(sweep.data(), int(sweep.size()), 0);
         const QRgb trace = traceColor(Trace::Current).rgb();
+        auto check = [&](const QSize& size, qreal dpr) {
+            const QImage image = desktoptest::render(view, size, dpr);
+            const PlotLayout l = view.plotLayout();
+            const double x = view.axis().columnOfBin(desktoptest::cellOf(b, hz)) * dpr;
+            const double y = yOfLevel(l.plot, -120, -10, -30) * dpr;
+            const QPoint top = topmost(image, devicePixels(l.plot, dpr), trace);
+            const QByteArray where = QByteArray::number(size.width()) + " @" +
+                                     QByteArray::number(dpr) + " column " +
+                                     QByteArray::number(top.x()) + " vs " + QByteArray::number(x);
+            QVERIFY2(std::abs(top.x() - x) <= 1.5, where);
+            QVERIFY2(std::abs(top.y() - y) <= 1.5, where);
+        };
         for (const QSize& size : kSizes) {
-            for (qreal dpr : kRatios) {
-                const QImage image = desktoptest::render(view, size, dpr);
-                const PlotLayout l = view.plotLayout();
-                const double x = view.axis().columnOfBin(desktoptest::cellOf(b, hz)) * dpr;
-                const double y = yOfLevel(l.plot, -120, -10, -30) * dpr;
-                const QPoint top = topmost(image, devicePixels(l.plot, dpr), trace);
-                const QByteArray where =
-                    QByteArray::number(size.width()) + " @" + QByteArray::number(dpr);
-                QVERIFY2(std::abs(top.x() - x) <= 1.5, where + " column " +
-                                                           QByteArray::number(top.x()) + " vs " +
-                                                           QByteArray::number(x));
-                QVERIFY2(std::abs(top.y() - y) <= 1.5, where + " row");
-            }
+            for (qreal dpr : kRatios)
+                check(size, dpr);
         }
+        // A larger font widens the margins: every layer follows the new plot, at the same size.
+        check(kSizes[1], 1);
+        QFont big = view.font();
+        big.setPointSizeF(big.pointSizeF() * 2);
+        view.setFont(big);
+        check(kSizes[1], 1);
     }
 
     void axesAndChannelNumbersSitAtTheirFrequencies_data()
