@@ -96,6 +96,37 @@ private slots:
         check(kSizes[1], 1);
     }
 
+    void decimationKeepsNarrowDips()
+    {
+        // 1000 cells in a few hundred columns: a one-cell dip must survive as well as a peak.
+        const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz6);
+        SweepFeed feed(b);
+        Markers markers;
+        SpectrumView view(&feed, &markers);
+        view.setSettings(onlyCurrent());
+        const auto sweep = desktoptest::sweepWithSignal(b, 6600e6, -110, -60);
+        feed.addSweep(sweep.data(), int(sweep.size()), 0);
+        for (qreal dpr : kRatios) {
+            const QImage image = desktoptest::render(view, QSize(520, 260), dpr);
+            const PlotLayout l = view.plotLayout();
+            QVERIFY(l.plot.width() * dpr < b.grid.shown);
+            const QRect area = devicePixels(l.plot, dpr);
+            const QRgb trace = traceColor(Trace::Current).rgb();
+            QPoint lowest(-1, -1);
+            for (int y = area.bottom(); y >= area.top() && lowest.x() < 0; --y) {
+                for (int x = area.left(); x <= area.right(); ++x) {
+                    if ((image.pixel(x, y) & 0xffffff) == (trace & 0xffffff)) {
+                        lowest = {x, y};
+                        break;
+                    }
+                }
+            }
+            const double x = view.axis().columnOfHz(6600e6) * dpr;
+            QVERIFY(std::abs(lowest.x() - x) <= 1.5);
+            QVERIFY(std::abs(lowest.y() - yOfLevel(l.plot, -120, -10, -110) * dpr) <= 1.5);
+        }
+    }
+
     void axesAndChannelNumbersSitAtTheirFrequencies_data()
     {
         QTest::addColumn<int>("band");
