@@ -2,7 +2,9 @@
 // drawn at the column its frequency maps to, the axes and the band plan's channel numbers are
 // where their frequencies are, the waterfall's newest row is on top, and the density shows the
 // level it counted.
+#include <QRandomGenerator>
 #include <QtTest>
+#include <limits>
 
 #include "colormap.h"
 #include "densityview.h"
@@ -416,6 +418,49 @@ private slots:
                 feed.setPaused(false);
                 QVERIFY2(incremental == rebuilt, v->metaObject()->className());
                 v->hide();
+            }
+        }
+    }
+
+    void randomSettingsAndSweepsPaintWithoutFault()
+    {
+        // Spans, level ranges, widths and sizes drawn at random, sweeps with non-finite and
+        // absurd levels: every paint stays inside its buffers (run under the sanitizers).
+        QRandomGenerator rng(20261124);
+        for (const wsa::Band& b : wsa::allBands()) {
+            SweepFeed feed(b, 128);
+            Markers markers;
+            SpectrumView spectrum(&feed, &markers);
+            DensityView density(&feed);
+            WaterfallView waterfall(&feed);
+            std::vector<float> sweep(std::size_t(b.grid.raw));
+            const float odd[] = {std::numeric_limits<float>::quiet_NaN(),
+                                 std::numeric_limits<float>::infinity(), -1e30f, 1e30f, 0.0f};
+            for (int k = 0; k < 40; ++k) {
+                for (float& v : sweep)
+                    v = rng.bounded(20) == 0 ? odd[rng.bounded(5)] : -130 + float(rng.bounded(140));
+                feed.addSweep(sweep.data(), int(sweep.size()), k);
+                DisplaySettings s;
+                const double lo = b.grid.lowEdgeHz() - 50e6 +
+                                  rng.bounded(b.grid.highEdgeHz() - b.grid.lowEdgeHz());
+                s.spanLowHz = rng.bounded(3) == 0 ? 0 : lo;
+                s.spanHighHz = rng.bounded(3) == 0 ? 0 : lo + rng.bounded(400e6) - 20e6;
+                s.bottomDbm = -130 + rng.bounded(125);
+                s.topDbm = s.bottomDbm + 1 + rng.bounded(130);
+                s.channelWidthMHz = b.widthsMHz[rng.bounded(int(b.widthsMHz.size()))];
+                for (bool& shown : s.traceShown)
+                    shown = rng.bounded(2);
+                markers.place(int(rng.bounded(4)), feed.shown(), lo);
+                const QSize size(1 + rng.bounded(1200), 1 + rng.bounded(500));
+                const qreal dpr = 1 + rng.bounded(3) * 0.5;
+                for (PlotView* v :
+                     {static_cast<PlotView*>(&spectrum), static_cast<PlotView*>(&density),
+                      static_cast<PlotView*>(&waterfall)}) {
+                    v->setSettings(s);
+                    QVERIFY(!desktoptest::render(*v, size, dpr).isNull());
+                    QVERIFY(v->span().lowHz >= b.grid.lowEdgeHz() - 1);
+                    QVERIFY(v->span().highHz <= b.grid.highEdgeHz() + 1);
+                }
             }
         }
     }
