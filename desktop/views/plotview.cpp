@@ -195,6 +195,10 @@ void PlotView::paintEvent(QPaintEvent*)
         p.drawLines(m_channelLines);
     }
     p.restore();
+    if (model().sweepCount() == 0) {
+        p.setPen(colors::dimText());
+        p.drawText(l.plot, Qt::AlignCenter, tr("Waiting for the first sweep"));
+    }
     paintForeground(p, l);
 }
 
