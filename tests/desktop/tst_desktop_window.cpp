@@ -1,6 +1,7 @@
 // The instrument window as a user drives it: clicking, dragging and keys on the spectrum, the
 // panel's peak search and resets, view modes, a band change, pause by the Space key while the
 // store keeps counting, and a level range entered the wrong way round.
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QPushButton>
@@ -223,16 +224,33 @@ private slots:
         QCOMPARE(r.channel, 149);
         button(w.controls(), QObject::tr("< Peak"))->click();
         QCOMPARE(w.markers()->reading(feed.shown(), 0, 20).dbm, -35.0f);
+        // Following the peak: the marker goes where the strongest signal goes.
+        QCheckBox* follow = nullptr;
+        for (QCheckBox* c : w.controls()->findChildren<QCheckBox*>()) {
+            if (c->text() == QObject::tr("Follow the peak"))
+                follow = c;
+        }
+        QVERIFY(follow);
+        follow->setChecked(true);
+        QCOMPARE(w.markers()->reading(feed.shown(), 0, 20).dbm, -35.0f);
+        const auto moved = desktoptest::sweepWithSignal(m_b5, 5785e6, -30, -90);
+        feed.addSweep(moved.data(), int(moved.size()), 1);
+        QCOMPARE(w.markers()->reading(feed.shown(), 0, 20).bin, desktoptest::cellOf(m_b5, 5785e6));
+        w.markers()->setActive(1);
+        QVERIFY(!follow->isChecked());
+        w.markers()->setActive(0);
+        QVERIFY(follow->isChecked());
         button(w.controls(), QObject::tr("Marker off"))->click();
+        QVERIFY(!follow->isChecked());
         QVERIFY(!w.markers()->reading(feed.shown(), 0, 20).valid);
 
         QVERIFY(feed.shown().trace(Trace::Maximum));
         button(w.controls(), QObject::tr("Reset holds"))->click();
         QVERIFY(!feed.shown().trace(Trace::Maximum));
-        QCOMPARE(feed.shown().densitySweeps(), 1u);
+        QCOMPARE(feed.shown().densitySweeps(), 2u);
         button(w.controls(), QObject::tr("Clear density"))->click();
         QCOMPARE(feed.shown().densitySweeps(), 0u);
-        QCOMPARE(feed.shown().sweepCount(), 1u);
+        QCOMPARE(feed.shown().sweepCount(), 2u);
     }
 
     void viewModesShowOneViewOrAll()
