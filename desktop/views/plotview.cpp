@@ -91,6 +91,18 @@ QString PlotView::describeFrequency(double x) const
 QString PlotView::describePoint(const QPointF& pos) const
 {
     const PlotLayout l = plotLayout();
+    if (m_settings.showChannels && l.channelLabels.contains(pos)) {
+        // Over the channel numbers: the channel's edges, which the numbers alone do not tell.
+        const double hz = axis().hzOfColumn(pos.x());
+        const Channel* c = model().band().channel(
+            m_settings.channelWidthMHz, channelAt(model().band(), m_settings.channelWidthMHz, hz));
+        if (!c)
+            return {};
+        return tr("Channel %1: %2 to %3 MHz")
+            .arg(c->number)
+            .arg(c->lowMHz(), 0, 'f', 0)
+            .arg(c->highMHz(), 0, 'f', 0);
+    }
     if (!l.plot.contains(pos))
         return {};
     const double dbm = levelOfY(l.plot, m_settings.bottomDbm, m_settings.topDbm, pos.y());

@@ -123,6 +123,10 @@ private slots:
         QVERIFY2(text.contains(QStringLiteral("-60.")) || text.contains(QStringLiteral("-59.")),
                  qPrintable(text));
         QVERIFY(view->describePoint(QPointF(1, 1)).isEmpty());
+        const PlotLayout l = view->plotLayout();
+        QCOMPARE(view->describePoint(
+                     QPointF(view->axis().columnOfHz(5182e6), l.channelLabels.center().y())),
+                 QStringLiteral("Channel 36: 5170 to 5190 MHz"));
         // In the gap between the sub-bands there is no channel to name.
         QVERIFY(!view->describePoint(pointAt(view, 5400e6)).contains(QStringLiteral("channel")));
 
