@@ -57,6 +57,8 @@ InstrumentWindow::InstrumentWindow(SweepFeed* feed, QWidget* parent)
     createStatusBar();
     onShownReset();
     resize(1280, 800);
+    // Arrow keys and marker numbers go to the spectrum from the start.
+    m_spectrum->setFocus();
 }
 
 void InstrumentWindow::connectControls()
@@ -87,6 +89,12 @@ void InstrumentWindow::connectControls()
             [this] { m_markers->toNextLeft(m_markers->active(), m_feed->shown()); });
     connect(m_controls, &ControlPanel::nextPeakRight, this,
             [this] { m_markers->toNextRight(m_markers->active(), m_feed->shown()); });
+    connect(m_controls, &ControlPanel::followPeakToggled, this, [this](bool follow) {
+        m_markers->setFollowsPeak(m_markers->active(), follow);
+        m_markers->followPeaks(m_feed->shown());
+    });
+    connect(m_feed, &SweepFeed::sweepShown, this,
+            [this] { m_markers->followPeaks(m_feed->shown()); });
     connect(m_controls, &ControlPanel::markerOff, this,
             [this] { m_markers->setOn(m_markers->active(), false); });
     connect(m_markers, &Markers::changed, this, &InstrumentWindow::syncMarkerControls);
@@ -94,6 +102,8 @@ void InstrumentWindow::connectControls()
 
 void InstrumentWindow::onShownReset()
 {
+    // A new band ends a pause; the controls follow.
+    m_controls->setPaused(m_feed->isPaused());
     const Band& band = m_feed->shown().band();
     if (&band == m_band)
         return;
@@ -172,7 +182,8 @@ void InstrumentWindow::setPaused(bool paused)
 void InstrumentWindow::syncMarkerControls()
 {
     const int active = m_markers->active();
-    m_controls->setActiveMarker(active, m_markers->marker(active).trace);
+    const Marker& m = m_markers->marker(active);
+    m_controls->setActiveMarker(active, m.trace, m.followsPeak);
 }
 
 } // namespace wsa::desktop

@@ -61,6 +61,7 @@ public slots:
 private:
     void connectControls();
     void createMenus();
+    static QString keysAndMouse();
     QMenu* createFileMenu();
     QMenu* createViewMenu();
     QMenu* createMeasureMenu();

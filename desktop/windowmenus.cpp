@@ -28,6 +28,34 @@ void InstrumentWindow::createMenus()
     menuBar()->addMenu(createFileMenu());
     menuBar()->addMenu(createViewMenu());
     menuBar()->addMenu(createMeasureMenu());
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    connect(help->addAction(tr("&Keys and mouse")), &QAction::triggered, this, [this] {
+        auto* box = new QMessageBox(QMessageBox::Information, windowTitle(), keysAndMouse(),
+                                    QMessageBox::Close, this);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->setModal(false);
+        box->show();
+    });
+}
+
+QString InstrumentWindow::keysAndMouse()
+{
+    return tr(
+        "<table>"
+        "<tr><td>Click, drag</td><td>place the active marker, or pick up a marker</td></tr>"
+        "<tr><td>1 to 4</td><td>choose the active marker</td></tr>"
+        "<tr><td>Left, Right</td><td>move it by one cell (Shift: ten)</td></tr>"
+        "<tr><td>P, Ctrl+Left, Ctrl+Right</td><td>highest peak, next peak left, right</td></tr>"
+        "<tr><td>Delete</td><td>switch the active marker off</td></tr>"
+        "<tr><td>Wheel on a view</td><td>zoom about the pointer (Shift: pan)</td></tr>"
+        "<tr><td>Wheel on the level axis</td><td>shift the levels (Ctrl: zoom)</td></tr>"
+        "<tr><td>Ctrl+0</td><td>whole band</td></tr>"
+        "<tr><td>Space</td><td>pause the picture; acquisition goes on</td></tr>"
+        "<tr><td>Ctrl+R</td><td>reset average, maximum and minimum</td></tr>"
+        "<tr><td>Ctrl+1 to Ctrl+4</td><td>all views, spectrum, density, waterfall</td></tr>"
+        "<tr><td>Ctrl+S, Ctrl+Shift+S</td><td>export the picture, the traces</td></tr>"
+        "<tr><td>F11, Ctrl+Q</td><td>full screen, quit</td></tr>"
+        "</table>");
 }
 
 QMenu* InstrumentWindow::createFileMenu()

@@ -90,6 +90,9 @@ void Markers::setOn(int index, bool on)
     if (index < 0 || index >= kCount)
         return;
     m_markers[std::size_t(index)].on = on;
+    // A marker switched off stays off: it no longer follows a peak back on.
+    if (!on)
+        m_markers[std::size_t(index)].followsPeak = false;
     emit changed();
 }
 
@@ -134,6 +137,26 @@ bool Markers::toNextRight(int index, const SweepModel& model)
         return false;
     const int from = marker(index).on ? binOf(index, model) : -1;
     return toBin(index, model, peaks::nextRight(levels, model.grid().bins, from));
+}
+
+void Markers::setFollowsPeak(int index, bool follow)
+{
+    if (index < 0 || index >= kCount)
+        return;
+    m_markers[std::size_t(index)].followsPeak = follow;
+    emit changed();
+}
+
+void Markers::followPeaks(const SweepModel& model)
+{
+    for (int i = 0; i < kCount; ++i) {
+        const Marker& m = m_markers[std::size_t(i)];
+        const float* levels = m.followsPeak ? model.trace(m.trace) : nullptr;
+        const int bin = peaks::highest(levels, levels ? model.grid().bins : 0);
+        // Quietly, unless it moved: a steady peak costs no repaint of the table.
+        if (bin >= 0 && (bin != binOf(i, model) || !m.on))
+            toBin(i, model, bin);
+    }
 }
 
 void Markers::clear()

@@ -15,6 +15,7 @@ struct Marker {
     bool on = false;
     double hz = 0;
     Trace trace = Trace::Current;
+    bool followsPeak = false; // moved to its trace's highest cell with every sweep shown
 };
 
 struct MarkerReading {
@@ -56,6 +57,9 @@ public slots:
     bool toHighest(int index, const SweepModel& model);
     bool toNextLeft(int index, const SweepModel& model);
     bool toNextRight(int index, const SweepModel& model);
+    void setFollowsPeak(int index, bool follow);
+    // Every marker that follows the peak goes to its trace's highest cell.
+    void followPeaks(const SweepModel& model);
     void clear();
 
 signals:

@@ -122,6 +122,14 @@ QWidget* ControlPanel::markerGroup()
     });
     form->addRow(tr("Active"), m_marker);
     form->addRow(tr("On trace"), m_markerTrace);
+    m_follow = new QCheckBox(tr("Follow the peak"));
+    m_follow->setToolTip(
+        tr("Move the active marker to its trace's highest level with every sweep"));
+    connect(m_follow, &QCheckBox::toggled, this, [this](bool on) {
+        if (!m_updating)
+            emit followPeakToggled(on);
+    });
+    form->addRow(m_follow);
     auto button = [this](const QString& text, const QString& tip, void (ControlPanel::*sig)()) {
         auto* b = new QPushButton(text);
         b->setToolTip(tip);
@@ -209,11 +217,12 @@ ViewMode ControlPanel::viewMode() const
     return ViewMode(m_viewMode->currentData().toInt());
 }
 
-void ControlPanel::setActiveMarker(int index, Trace trace)
+void ControlPanel::setActiveMarker(int index, Trace trace, bool followsPeak)
 {
     m_updating = true;
     m_marker->setCurrentIndex(index);
     m_markerTrace->setCurrentIndex(int(trace));
+    m_follow->setChecked(followsPeak);
     m_updating = false;
 }
 

@@ -33,7 +33,7 @@ public:
     int averaging() const;
     void setViewMode(ViewMode mode);
     ViewMode viewMode() const;
-    void setActiveMarker(int index, Trace trace);
+    void setActiveMarker(int index, Trace trace, bool followsPeak);
 
 signals:
     void settingsChanged(const wsa::desktop::DisplaySettings& s);
@@ -48,6 +48,7 @@ signals:
     void nextPeakLeft();
     void nextPeakRight();
     void markerOff();
+    void followPeakToggled(bool follow);
 
 private:
     QWidget* traceGroup();
@@ -64,6 +65,7 @@ private:
     QComboBox* m_width = nullptr;
     QComboBox* m_marker = nullptr;
     QComboBox* m_markerTrace = nullptr;
+    QCheckBox* m_follow = nullptr;
     QComboBox* m_viewMode = nullptr;
     QPushButton* m_pause = nullptr;
     bool m_updating = false;

@@ -16,6 +16,7 @@ MarkerTable::MarkerTable(SweepFeed* feed, Markers* markers, QWidget* parent)
                                tr("Level (dBm)"), tr("Trace"), tr("Δ Frequency (MHz)"),
                                tr("Δ Level (dB)")});
     verticalHeader()->hide();
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -29,7 +30,8 @@ MarkerTable::MarkerTable(SweepFeed* feed, Markers* markers, QWidget* parent)
         }
         item(r, Number)->setText(QString::number(r + 1));
     }
-    setMaximumHeight(verticalHeader()->defaultSectionSize() * (Markers::kCount + 1) + 6);
+    setMaximumHeight(verticalHeader()->defaultSectionSize() * Markers::kCount +
+                     horizontalHeader()->sizeHint().height() + 2 * frameWidth());
     m_timer.setSingleShot(true);
     m_timer.setInterval(100);
     connect(&m_timer, &QTimer::timeout, this, &MarkerTable::refresh);

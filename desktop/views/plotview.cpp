@@ -59,7 +59,12 @@ Span PlotView::span() const
 void PlotView::onSweepShown()
 {
     // A layer built for another band or layout is rebuilt at the next paint instead.
-    // Only the data area changes, and its place is known from the last paint.
+    // A hidden view catches up in one rebuild when shown. Otherwise only the data area changes,
+    // and its place is known from the last paint.
+    if (!isVisible()) {
+        m_dataValid = false;
+        return;
+    }
     if (m_dataValid && m_key.band == &model().band() && m_key.size == size()) {
         appendSweep();
         update(m_plotRect);
@@ -86,6 +91,18 @@ QString PlotView::describeFrequency(double x) const
 QString PlotView::describePoint(const QPointF& pos) const
 {
     const PlotLayout l = plotLayout();
+    if (m_settings.showChannels && l.channelLabels.contains(pos)) {
+        // Over the channel numbers: the channel's edges, which the numbers alone do not tell.
+        const double hz = axis().hzOfColumn(pos.x());
+        const Channel* c = model().band().channel(
+            m_settings.channelWidthMHz, channelAt(model().band(), m_settings.channelWidthMHz, hz));
+        if (!c)
+            return {};
+        return tr("Channel %1: %2 to %3 MHz")
+            .arg(c->number)
+            .arg(c->lowMHz(), 0, 'f', 0)
+            .arg(c->highMHz(), 0, 'f', 0);
+    }
     if (!l.plot.contains(pos))
         return {};
     const double dbm = levelOfY(l.plot, m_settings.bottomDbm, m_settings.topDbm, pos.y());
@@ -152,8 +169,11 @@ bool PlotView::levelWheel(QWheelEvent* event, const PlotLayout& l)
 
 void PlotView::changeEvent(QEvent* event)
 {
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+    // The font sets the margins, and so the plot every layer is built for.
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
         m_frameKey = {};
+        m_dataValid = false;
+    }
     QWidget::changeEvent(event);
 }
 
@@ -187,6 +207,10 @@ void PlotView::paintEvent(QPaintEvent*)
         p.drawLines(m_channelLines);
     }
     p.restore();
+    if (model().sweepCount() == 0) {
+        p.setPen(colors::dimText());
+        p.drawText(l.plot, Qt::AlignCenter, tr("Waiting for the first sweep"));
+    }
     paintForeground(p, l);
 }
 
@@ -206,8 +230,12 @@ void PlotView::buildOverlayLines(const PlotLayout& l, const Axis& a)
     const std::vector<Channel> plan = model().band().channels(m_settings.channelWidthMHz);
     if (!m_settings.showChannels || !channelsDisjoint(plan))
         return;
+    // Channel edges closer than a label's width would only hatch the plot.
+    const double least = fm.horizontalAdvance(QStringLiteral("000"));
     for (const ChannelMark& m :
          channelMarks(model().band(), m_settings.channelWidthMHz, a, span(), l.channelLabels, fm)) {
+        if (m.highX - m.lowX < least)
+            continue;
         m_channelLines.append(QLineF(m.lowX, r.top(), m.lowX, r.bottom()));
         m_channelLines.append(QLineF(m.highX, r.top(), m.highX, r.bottom()));
     }

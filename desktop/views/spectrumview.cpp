@@ -103,9 +103,32 @@ void SpectrumView::placeActive(double x)
     m_markers->place(m_markers->active(), model(), a.hzOfColumn(x));
 }
 
+int SpectrumView::markerNear(double x) const
+{
+    // Within a few pixels of a shown marker: that one is picked up rather than the active one
+    // moved there.
+    const Axis a = axis();
+    int best = -1;
+    double bestDistance = 6;
+    for (int i = 0; i < Markers::kCount; ++i) {
+        const MarkerReading r = m_markers->reading(model(), i, settings().channelWidthMHz);
+        const double d = r.valid ? std::abs(a.columnOfBin(r.bin) - x) : 1e9;
+        if (d <= bestDistance) {
+            best = i;
+            bestDistance = d;
+        }
+    }
+    return best;
+}
+
 void SpectrumView::mousePressEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton && plotLayout().plot.contains(event->position()))
+    if (event->button() != Qt::LeftButton || !plotLayout().plot.contains(event->position()))
+        return;
+    const int near = markerNear(event->position().x());
+    if (near >= 0)
+        m_markers->setActive(near);
+    else
         placeActive(event->position().x());
 }
 

@@ -33,6 +33,7 @@ protected:
 private:
     void buildPaths();
     void placeActive(double x);
+    int markerNear(double x) const;
 
     Markers* m_markers;
     PlotLayout m_layout;

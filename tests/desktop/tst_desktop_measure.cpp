@@ -159,6 +159,30 @@ private slots:
         QVERIFY(!markers.reading(store, 1, 20).valid);
         QVERIFY(!markers.toHighest(1, store));
     }
+
+    void followingMarkersTrackTheirTracesPeak()
+    {
+        const auto& b = band(wsa::BandId::Ghz6);
+        SweepStore store(b);
+        Markers markers;
+        markers.setTrace(1, Trace::Maximum);
+        markers.setFollowsPeak(1, true);
+        markers.setFollowsPeak(2, true); // on the current trace
+        markers.place(0, store, 6000e6); // placed, not following
+        for (double hz : {6100e6, 6900e6, 6300e6}) {
+            const auto sweep = desktoptest::sweepWithSignal(b, hz, -40 - (hz - 6100e6) / 1e8, -95);
+            store.addSweep(sweep.data(), int(sweep.size()), 0);
+            markers.followPeaks(store);
+            QCOMPARE(markers.reading(store, 2, 20).bin, desktoptest::cellOf(b, hz));
+        }
+        // The maximum still holds the first, strongest signal.
+        QCOMPARE(markers.reading(store, 1, 20).bin, desktoptest::cellOf(b, 6100e6));
+        QCOMPARE(markers.reading(store, 0, 20).bin, desktoptest::cellOf(b, 6000e6));
+        markers.setOn(2, false);
+        markers.followPeaks(store);
+        QVERIFY(!markers.marker(2).on);
+        QVERIFY(!markers.marker(2).followsPeak);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestDesktopMeasure)

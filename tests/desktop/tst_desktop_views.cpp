@@ -2,7 +2,9 @@
 // drawn at the column its frequency maps to, the axes and the band plan's channel numbers are
 // where their frequencies are, the waterfall's newest row is on top, and the density shows the
 // level it counted.
+#include <QRandomGenerator>
 #include <QtTest>
+#include <limits>
 
 #include "colormap.h"
 #include "densityview.h"
@@ -72,20 +74,58 @@ private slots:
         const auto sweep = desktoptest::sweepWithSignal(b, hz, -30, -115);
         feed.addSweep(sweep.data(), int(sweep.size()), 0);
         const QRgb trace = traceColor(Trace::Current).rgb();
+        auto check = [&](const QSize& size, qreal dpr) {
+            const QImage image = desktoptest::render(view, size, dpr);
+            const PlotLayout l = view.plotLayout();
+            const double x = view.axis().columnOfBin(desktoptest::cellOf(b, hz)) * dpr;
+            const double y = yOfLevel(l.plot, -120, -10, -30) * dpr;
+            const QPoint top = topmost(image, devicePixels(l.plot, dpr), trace);
+            const QByteArray where = QByteArray::number(size.width()) + " @" +
+                                     QByteArray::number(dpr) + " column " +
+                                     QByteArray::number(top.x()) + " vs " + QByteArray::number(x);
+            QVERIFY2(std::abs(top.x() - x) <= 1.5, where);
+            QVERIFY2(std::abs(top.y() - y) <= 1.5, where);
+        };
         for (const QSize& size : kSizes) {
-            for (qreal dpr : kRatios) {
-                const QImage image = desktoptest::render(view, size, dpr);
-                const PlotLayout l = view.plotLayout();
-                const double x = view.axis().columnOfBin(desktoptest::cellOf(b, hz)) * dpr;
-                const double y = yOfLevel(l.plot, -120, -10, -30) * dpr;
-                const QPoint top = topmost(image, devicePixels(l.plot, dpr), trace);
-                const QByteArray where =
-                    QByteArray::number(size.width()) + " @" + QByteArray::number(dpr);
-                QVERIFY2(std::abs(top.x() - x) <= 1.5, where + " column " +
-                                                           QByteArray::number(top.x()) + " vs " +
-                                                           QByteArray::number(x));
-                QVERIFY2(std::abs(top.y() - y) <= 1.5, where + " row");
+            for (qreal dpr : kRatios)
+                check(size, dpr);
+        }
+        // A larger font widens the margins: every layer follows the new plot, at the same size.
+        check(kSizes[1], 1);
+        QFont big = view.font();
+        big.setPointSizeF(big.pointSizeF() * 2);
+        view.setFont(big);
+        check(kSizes[1], 1);
+    }
+
+    void decimationKeepsNarrowDips()
+    {
+        // 1000 cells in a few hundred columns: a one-cell dip must survive as well as a peak.
+        const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz6);
+        SweepFeed feed(b);
+        Markers markers;
+        SpectrumView view(&feed, &markers);
+        view.setSettings(onlyCurrent());
+        const auto sweep = desktoptest::sweepWithSignal(b, 6600e6, -110, -60);
+        feed.addSweep(sweep.data(), int(sweep.size()), 0);
+        for (qreal dpr : kRatios) {
+            const QImage image = desktoptest::render(view, QSize(520, 260), dpr);
+            const PlotLayout l = view.plotLayout();
+            QVERIFY(l.plot.width() * dpr < b.grid.shown);
+            const QRect area = devicePixels(l.plot, dpr);
+            const QRgb trace = traceColor(Trace::Current).rgb();
+            QPoint lowest(-1, -1);
+            for (int y = area.bottom(); y >= area.top() && lowest.x() < 0; --y) {
+                for (int x = area.left(); x <= area.right(); ++x) {
+                    if ((image.pixel(x, y) & 0xffffff) == (trace & 0xffffff)) {
+                        lowest = {x, y};
+                        break;
+                    }
+                }
             }
+            const double x = view.axis().columnOfHz(6600e6) * dpr;
+            QVERIFY(std::abs(lowest.x() - x) <= 1.5);
+            QVERIFY(std::abs(lowest.y() - yOfLevel(l.plot, -120, -10, -110) * dpr) <= 1.5);
         }
     }
 
@@ -349,6 +389,78 @@ private slots:
                 QVERIFY(!desktoptest::render(*v, size, 1.5).isNull());
                 feed.addSweep(sweep.data(), int(sweep.size()), 1); // into the layer just built
                 QVERIFY(!desktoptest::render(*v, size, 1.5).isNull());
+            }
+        }
+    }
+
+    void sweepBySweepLayersMatchARebuild()
+    {
+        // The incremental path (a sweep into layers built before) must paint exactly what a
+        // rebuild from the store paints, also once the waterfall's ring has wrapped.
+        const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz5);
+        SweepFeed feed(b, 600);
+        Markers markers;
+        SpectrumView spectrum(&feed, &markers);
+        DensityView density(&feed);
+        WaterfallView waterfall(&feed);
+        desktoptest::BusyBand busy(b, 5);
+        for (PlotView* v : {static_cast<PlotView*>(&spectrum), static_cast<PlotView*>(&density),
+                            static_cast<PlotView*>(&waterfall)}) {
+            for (qreal dpr : kRatios) {
+                v->resize(700, 180);
+                v->show();
+                desktoptest::render(*v, v->size(), dpr); // builds the layers
+                for (int s = 0; s < 300; ++s)
+                    feed.addSweep(busy.next().data(), b.grid.shown, s);
+                const QImage incremental = desktoptest::render(*v, v->size(), dpr);
+                feed.setPaused(true); // a pause rebuilds every layer from the store
+                const QImage rebuilt = desktoptest::render(*v, v->size(), dpr);
+                feed.setPaused(false);
+                QVERIFY2(incremental == rebuilt, v->metaObject()->className());
+                v->hide();
+            }
+        }
+    }
+
+    void randomSettingsAndSweepsPaintWithoutFault()
+    {
+        // Spans, level ranges, widths and sizes drawn at random, sweeps with non-finite and
+        // absurd levels: every paint stays inside its buffers (run under the sanitizers).
+        QRandomGenerator rng(20261124);
+        for (const wsa::Band& b : wsa::allBands()) {
+            SweepFeed feed(b, 128);
+            Markers markers;
+            SpectrumView spectrum(&feed, &markers);
+            DensityView density(&feed);
+            WaterfallView waterfall(&feed);
+            std::vector<float> sweep(std::size_t(b.grid.raw));
+            const float odd[] = {std::numeric_limits<float>::quiet_NaN(),
+                                 std::numeric_limits<float>::infinity(), -1e30f, 1e30f, 0.0f};
+            for (int k = 0; k < 40; ++k) {
+                for (float& v : sweep)
+                    v = rng.bounded(20) == 0 ? odd[rng.bounded(5)] : -130 + float(rng.bounded(140));
+                feed.addSweep(sweep.data(), int(sweep.size()), k);
+                DisplaySettings s;
+                const double lo = b.grid.lowEdgeHz() - 50e6 +
+                                  rng.bounded(b.grid.highEdgeHz() - b.grid.lowEdgeHz());
+                s.spanLowHz = rng.bounded(3) == 0 ? 0 : lo;
+                s.spanHighHz = rng.bounded(3) == 0 ? 0 : lo + rng.bounded(400e6) - 20e6;
+                s.bottomDbm = -130 + rng.bounded(125);
+                s.topDbm = s.bottomDbm + 1 + rng.bounded(130);
+                s.channelWidthMHz = b.widthsMHz[rng.bounded(int(b.widthsMHz.size()))];
+                for (bool& shown : s.traceShown)
+                    shown = rng.bounded(2);
+                markers.place(int(rng.bounded(4)), feed.shown(), lo);
+                const QSize size(1 + rng.bounded(1200), 1 + rng.bounded(500));
+                const qreal dpr = 1 + rng.bounded(3) * 0.5;
+                for (PlotView* v :
+                     {static_cast<PlotView*>(&spectrum), static_cast<PlotView*>(&density),
+                      static_cast<PlotView*>(&waterfall)}) {
+                    v->setSettings(s);
+                    QVERIFY(!desktoptest::render(*v, size, dpr).isNull());
+                    QVERIFY(v->span().lowHz >= b.grid.lowEdgeHz() - 1);
+                    QVERIFY(v->span().highHz <= b.grid.highEdgeHz() + 1);
+                }
             }
         }
     }

@@ -1,6 +1,7 @@
 // The instrument window as a user drives it: clicking, dragging and keys on the spectrum, the
 // panel's peak search and resets, view modes, a band change, pause by the Space key while the
 // store keeps counting, and a level range entered the wrong way round.
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QPushButton>
@@ -85,6 +86,13 @@ private slots:
         QCOMPARE(two.deltaDb, 0.0f);
         QVERIFY(two.deltaHz < -350e6);
 
+        // Pressing on marker 1 picks it up without moving it; dragging then moves it.
+        const QPoint onOne(int(view->axis().columnOfBin(dragged - 9)), to.y());
+        QTest::mousePress(view, Qt::LeftButton, {}, onOne);
+        QCOMPARE(w.markers()->active(), 0);
+        QCOMPARE(w.markers()->reading(feed.shown(), 0, 20).bin, dragged - 9);
+        QTest::mouseRelease(view, Qt::LeftButton, {}, onOne);
+
         // The table shows both, with the channel under each.
         w.markerTable()->refresh();
         QCOMPARE(w.markerTable()->item(1, MarkerTable::Channel)->text(), QString("40"));
@@ -115,6 +123,10 @@ private slots:
         QVERIFY2(text.contains(QStringLiteral("-60.")) || text.contains(QStringLiteral("-59.")),
                  qPrintable(text));
         QVERIFY(view->describePoint(QPointF(1, 1)).isEmpty());
+        const PlotLayout l = view->plotLayout();
+        QCOMPARE(view->describePoint(
+                     QPointF(view->axis().columnOfHz(5182e6), l.channelLabels.center().y())),
+                 QStringLiteral("Channel 36: 5170 to 5190 MHz"));
         // In the gap between the sub-bands there is no channel to name.
         QVERIFY(!view->describePoint(pointAt(view, 5400e6)).contains(QStringLiteral("channel")));
 
@@ -167,7 +179,9 @@ private slots:
         // Over the level axis the wheel shifts the levels, and with Ctrl narrows them.
         const QRectF plot = view->plotLayout().plot;
         const QPoint axisPoint(int(plot.left() / 2), int(plot.center().y()));
+        QSignalSpy levelSpy(view, &PlotView::levelRangeRequested);
         wheel(view, axisPoint, QPoint(0, 240), Qt::NoModifier);
+        QCOMPARE(levelSpy.count(), 1);
         QCOMPARE(w.settings().bottomDbm, -110.0);
         QCOMPARE(w.settings().topDbm, 0.0);
         QCOMPARE(w.controls()->settings().topDbm, 0.0);
@@ -214,16 +228,33 @@ private slots:
         QCOMPARE(r.channel, 149);
         button(w.controls(), QObject::tr("< Peak"))->click();
         QCOMPARE(w.markers()->reading(feed.shown(), 0, 20).dbm, -35.0f);
+        // Following the peak: the marker goes where the strongest signal goes.
+        QCheckBox* follow = nullptr;
+        for (QCheckBox* c : w.controls()->findChildren<QCheckBox*>()) {
+            if (c->text() == QObject::tr("Follow the peak"))
+                follow = c;
+        }
+        QVERIFY(follow);
+        follow->setChecked(true);
+        QCOMPARE(w.markers()->reading(feed.shown(), 0, 20).dbm, -35.0f);
+        const auto moved = desktoptest::sweepWithSignal(m_b5, 5785e6, -30, -90);
+        feed.addSweep(moved.data(), int(moved.size()), 1);
+        QCOMPARE(w.markers()->reading(feed.shown(), 0, 20).bin, desktoptest::cellOf(m_b5, 5785e6));
+        w.markers()->setActive(1);
+        QVERIFY(!follow->isChecked());
+        w.markers()->setActive(0);
+        QVERIFY(follow->isChecked());
         button(w.controls(), QObject::tr("Marker off"))->click();
+        QVERIFY(!follow->isChecked());
         QVERIFY(!w.markers()->reading(feed.shown(), 0, 20).valid);
 
         QVERIFY(feed.shown().trace(Trace::Maximum));
         button(w.controls(), QObject::tr("Reset holds"))->click();
         QVERIFY(!feed.shown().trace(Trace::Maximum));
-        QCOMPARE(feed.shown().densitySweeps(), 1u);
+        QCOMPARE(feed.shown().densitySweeps(), 2u);
         button(w.controls(), QObject::tr("Clear density"))->click();
         QCOMPARE(feed.shown().densitySweeps(), 0u);
-        QCOMPARE(feed.shown().sweepCount(), 1u);
+        QCOMPARE(feed.shown().sweepCount(), 2u);
     }
 
     void viewModesShowOneViewOrAll()
@@ -259,7 +290,10 @@ private slots:
         QCOMPARE(w.spectrum()->settings().channelWidthMHz, 80);
 
         const wsa::Band& b6 = *wsa::findBand(wsa::BandId::Ghz6);
+        w.setPaused(true);
         feed.configure(b6);
+        QVERIFY(!feed.isPaused());
+        QVERIFY(!button(w.controls(), QObject::tr("Pause"))->isChecked());
         QCOMPARE(width->count(), int(b6.widthsMHz.size()));
         QVERIFY(width->findData(320) >= 0);
         QCOMPARE(w.settings().channelWidthMHz, 80);
