@@ -148,9 +148,10 @@ void RecordReader::takePending()
     int end = std::clamp(usedBytes(type, count), 0, int(SA_RECORD_SIZE));
     while (end < SA_RECORD_SIZE && !plausibleStart(m_pending + end, SA_RECORD_SIZE - end))
         ++end;
-    stSweep record;
-    std::memset(&record, 0, sizeof record);
-    std::memcpy(&record, m_pending, static_cast<size_t>(end));
+    // Zero-filled past `end`; `end` never exceeds the record (the loop above stops there).
+    stSweep record{};
+    std::memcpy(reinterpret_cast<unsigned char*>(&record), m_pending,
+                static_cast<size_t>(std::min(end, int(SA_RECORD_SIZE))));
     std::memmove(m_pending, m_pending + end, static_cast<size_t>(SA_RECORD_SIZE - end));
     m_fill = SA_RECORD_SIZE - end;
     if (m_onRecord)

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <filesystem>
 
 #include "halboard.h"
 #include "ccheckbox.h"
@@ -16,6 +15,7 @@
 #include "cwidgetstyle.h"
 #include "engine.h"
 #include "plate2promserv.h"
+#include "reportfiles.h"
 #include "wsa_p.h"
 
 namespace
@@ -23,10 +23,8 @@ namespace
 
 void createResultDir()
 {
-    // Under its literal name, with no shell in between. A directory that cannot be made shows
-    // when a report is saved there.
-    std::error_code ignored;
-    std::filesystem::create_directories(wsaResultDir(), ignored);
+    // A directory that cannot be made shows when a report is saved there.
+    wsaShellMakeDirs(wsaResultDir());
 }
 
 template <typename T> void deleteAndClear(T*& p)

@@ -194,6 +194,7 @@ void saveUnder(CWsa& wsa, const QString& entry, const QPixmap& pixmap)
         return notSaved(wsa, base + pageName, errno);
     // A picture directory that cannot be made costs the picture; one planted under our name
     // costs the save.
+    wsaShellMakeDirs(base + pictureDir);
     const int pictureFd = wsaOpenOwnDir(dirFd, pictureDir.constData());
     if (pictureFd < 0 && (errno == ENOTDIR || errno == EPERM)) {
         const int error = errno;

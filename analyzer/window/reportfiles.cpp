@@ -1,10 +1,14 @@
 #include "reportfiles.h"
 
 #include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "engine.h"
 
 namespace
 {
@@ -24,10 +28,20 @@ bool ownRegular(const struct stat& st)
 
 } // namespace
 
+void wsaShellMakeDirs(const char* path)
+{
+    char quoted[4 * PATH_MAX + 8];
+    char command[sizeof quoted + 16];
+    if (!wsaShellQuote(path, quoted, sizeof quoted))
+        return;
+    const int n = std::snprintf(command, sizeof command, "mkdir -p %s", quoted);
+    if (n > 0 && std::size_t(n) < sizeof command)
+        (void)std::system(command);
+}
+
 int wsaOpenResultDir(const char* path)
 {
-    std::error_code ignored;
-    std::filesystem::create_directories(path, ignored);
+    wsaShellMakeDirs(path);
     return open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 

@@ -12,6 +12,10 @@
 #include <QByteArray>
 #include <cstdio>
 
+// Runs "mkdir -p PATH" through the shell, PATH single-quoted; its result is not looked at. A path
+// too long for the command is not made (the opens below then say why).
+void wsaShellMakeDirs(const char* path);
+
 // The result directory, made when missing, for the *at calls below; -1 with errno set.
 int wsaOpenResultDir(const char* path);
 
