@@ -112,7 +112,7 @@ template <typename T, std::size_t N> constexpr int countOf(const T (&)[N])
 } // namespace
 
 // What a band's scene holds besides its noise floor.
-struct SceneSpec {
+struct SceneRecipe {
     wsa::BandId band;
     const WifiChannel* wifi;
     int wifiCount;
@@ -126,7 +126,7 @@ struct SceneSpec {
 namespace
 {
 
-constexpr SceneSpec kScenes[] = {
+constexpr SceneRecipe kScenes[] = {
     {wsa::BandId::Ghz24, kWifi24, countOf(kWifi24), kSensors24, countOf(kSensors24), &kSensor24,
      -70, true},
     {wsa::BandId::Ghz5, kWifi5, countOf(kWifi5), kSensors5, countOf(kSensors5), &kSensor5, -78,
@@ -135,13 +135,13 @@ constexpr SceneSpec kScenes[] = {
 };
 
 // A band without a scene of its own shows its noise floor only, never another band's emitters.
-const SceneSpec& sceneOf(wsa::BandId band)
+const SceneRecipe& sceneOf(wsa::BandId band)
 {
-    static constexpr SceneSpec kQuiet{
+    static constexpr SceneRecipe kQuiet{
         wsa::BandId::Ghz24, nullptr, 0, nullptr, 0, nullptr, 0, false};
-    for (const SceneSpec& spec : kScenes)
-        if (spec.band == band)
-            return spec;
+    for (const SceneRecipe& recipe : kScenes)
+        if (recipe.band == band)
+            return recipe;
     return kQuiet;
 }
 
@@ -171,12 +171,12 @@ double Rng::gauss()
 }
 
 Scene::Scene(const wsa::Band& band, std::uint64_t seed)
-    : m_layout(band.simAnnouncement), m_spec(sceneOf(band.id)), m_rng(seed)
+    : m_layout(band.simAnnouncement), m_recipe(sceneOf(band.id)), m_rng(seed)
 {
     std::fill(std::begin(m_milliwatts), std::end(m_milliwatts), 0.0);
-    for (int k = 0; k < m_spec.wifiCount; ++k) {
-        const wsa::Channel* first = band.channel(20, m_spec.wifi[k].first);
-        const wsa::Channel* last = band.channel(20, m_spec.wifi[k].last);
+    for (int k = 0; k < m_recipe.wifiCount; ++k) {
+        const wsa::Channel* first = band.channel(20, m_recipe.wifi[k].first);
+        const wsa::Channel* last = band.channel(20, m_recipe.wifi[k].last);
         m_wifiCentresMHz.push_back(first && last ? (first->centerMHz + last->centerMHz) / 2 : 0.0);
     }
 }
@@ -185,7 +185,7 @@ void Scene::nextSweep(int* levels)
 {
     addNoiseFloor();
     addWifi();
-    if (m_spec.ism) {
+    if (m_recipe.ism) {
         addBluetooth();
         addOven();
     }
@@ -205,8 +205,8 @@ void Scene::addNoiseFloor()
 
 void Scene::addWifi()
 {
-    for (int k = 0; k < m_spec.wifiCount; ++k) {
-        const WifiChannel& ch = m_spec.wifi[k];
+    for (int k = 0; k < m_recipe.wifiCount; ++k) {
+        const WifiChannel& ch = m_recipe.wifi[k];
         const double centreMHz = m_wifiCentresMHz[std::size_t(k)];
         if (m_rng.uniform() >= ch.duty)
             continue;
@@ -254,10 +254,10 @@ void Scene::addOven()
 
 void Scene::addSensors()
 {
-    for (int k = 0; k < m_spec.sensorCount; ++k) {
+    for (int k = 0; k < m_recipe.sensorCount; ++k) {
         if (m_rng.uniform() < 0.2)
-            addCarrier(*m_spec.sensorShape, m_spec.sensors[k],
-                       m_spec.sensorLevelDbm + 3.0 * m_rng.gauss(), 0.5);
+            addCarrier(*m_recipe.sensorShape, m_recipe.sensors[k],
+                       m_recipe.sensorLevelDbm + 3.0 * m_rng.gauss(), 0.5);
     }
 }
 

@@ -24,7 +24,7 @@ private:
 };
 
 struct Shape;
-struct SceneSpec;
+struct SceneRecipe;
 
 // One sweep fills levels[0 .. layout().samples - 1] in whole dBm on the probe's own raw layout,
 // the band's simAnnouncement: bin i at startMHz + i * stepKHz / 1000. The emitters are summed as
@@ -52,8 +52,8 @@ private:
     double binMHz(int bin) const;
 
     wsa::Announcement m_layout;
-    const SceneSpec& m_spec;
-    std::vector<double> m_wifiCentresMHz; // of m_spec's access points
+    const SceneRecipe& m_recipe;
+    std::vector<double> m_wifiCentresMHz; // of m_recipe's access points
     Rng m_rng;
     long m_sweep = 0;
     double m_milliwatts[SA_MAX_SAMPLES];
