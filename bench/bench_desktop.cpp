@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "benchsupport.h"
 #include "desktoptestsupport.h"
 #include "densityview.h"
 #include "instrumentwindow.h"
@@ -22,12 +23,6 @@ using namespace wsa::desktop;
 
 namespace
 {
-
-double medianMs(std::vector<qint64>& ns)
-{
-    std::sort(ns.begin(), ns.end());
-    return ns[ns.size() / 2] / 1e6;
-}
 
 void renderDataAreas(InstrumentWindow& w, QImage& target)
 {
@@ -89,17 +84,15 @@ void benchBand(const wsa::Band& band, qreal dpr, const QString& pngDir)
         perSweep.push_back(timer.nsecsElapsed());
     }
     std::printf("%-8s dpr %.0f %5d cells  %6.2f  %6.2f  %6.2f  %6.2f\n", band.name, dpr,
-                band.grid.shown, medianMs(full), medianMs(views), medianMs(relayout),
-                medianMs(perSweep));
+                band.grid.shown, bench::medianMs(full), bench::medianMs(views), bench::medianMs(relayout),
+                bench::medianMs(perSweep));
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
-        qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    bench::offscreenWithoutDisplay();
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
     const int png = int(args.indexOf(QStringLiteral("--png")));

@@ -15,17 +15,12 @@
 #include <cstdio>
 #include <vector>
 
+#include "benchsupport.h"
 #include "wsa_p.h"
 #include "wsatestsupport.h"
 
 namespace
 {
-
-double medianMs(std::vector<qint64>& ns)
-{
-    std::sort(ns.begin(), ns.end());
-    return ns[ns.size() / 2] / 1e6;
-}
 
 double frameMs(CWsa& w, QImage& target, int frames)
 {
@@ -37,7 +32,7 @@ double frameMs(CWsa& w, QImage& target, int frames)
         w.render(&target, QPoint(), QRegion(), QWidget::DrawWindowBackground);
         ns.push_back(timer.nsecsElapsed());
     }
-    return medianMs(ns);
+    return bench::medianMs(ns);
 }
 
 // Sweeps through the link: each tick's parse, then the frame that counts and draws the sweep.
@@ -57,16 +52,14 @@ double sweepMs(CWsa& w, QImage& target, int link, int sweeps)
         w.render(&target, QPoint(), QRegion(), QWidget::DrawWindowBackground);
         ns.push_back(timer.nsecsElapsed());
     }
-    return medianMs(ns);
+    return bench::medianMs(ns);
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
-        qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    bench::offscreenWithoutDisplay();
     QApplication app(argc, argv);
     wsatest::AnalyzerFixture fixture;
     if (!fixture.start())

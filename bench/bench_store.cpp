@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "benchsupport.h"
 #include "cutilwindow.h"
 #include "link.h"
 #include "store.h"
@@ -103,9 +104,7 @@ long long coreStoreNanoseconds(int bins, int rounds)
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
-        qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    bench::offscreenWithoutDisplay();
     QApplication app(argc, argv);
     wsatest::AnalyzerEnv env;
     CUtilWindow window;
