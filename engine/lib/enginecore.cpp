@@ -54,6 +54,12 @@ void Engine::reason(StatusReason reason, const std::string& text)
         sink->reason(reason, text);
 }
 
+void Engine::analysis(const std::string& json)
+{
+    for (Sink* sink : m_sinks)
+        sink->analysis(json);
+}
+
 void Engine::offer(const double* levels, double timeSeconds)
 {
     if (!m_observers.empty()) {

@@ -49,6 +49,7 @@ public:
     SinkResult fault(Fault fault);
     SinkResult damaged(Damage damage, const int* levels, int count);
     void reason(StatusReason reason, const std::string& text);
+    void analysis(const std::string& json);
 
     // One sweep of `grid().raw` levels in dBm: to the observers, then into the pacing stage.
     // timeSeconds < 0: stamped with the engine clock.

@@ -50,6 +50,9 @@ public:
         return SinkResult::Ok;
     }
     virtual void reason(StatusReason, const std::string& /*text*/) {}
+    // The analysis of the stream as one JSON object, about once a second; only front-ends that
+    // show it take it (never the handheld's record socket).
+    virtual void analysis(const std::string& /*json*/) {}
 };
 
 #endif
