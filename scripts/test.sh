@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test twice: a plain build and one with
-# AddressSanitizer and UndefinedBehaviorSanitizer; then the fuzz target for a minute and the
+# AddressSanitizer and UndefinedBehaviorSanitizer; then the fuzz targets for a minute in all and the
 # Debian package checks. The last line counts the steps that passed and failed.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
