@@ -124,15 +124,15 @@ int main(int argc, char* argv[])
     std::unique_ptr<CsvRecorderSink> recorder;
     if (entry && (!recordDir.empty() || front)) {
         const bool startNow = !recordDir.empty() && !(front && options.source == "replay");
-        recorder = std::make_unique<CsvRecorderSink>(recordDir, band, startNow,
-                                                     recorderPolicy(settings));
+        recorder =
+            std::make_unique<CsvRecorderSink>(recordDir, band, startNow, recorderPolicy(settings));
     }
 
     const Detector detector =
         settings.text("WSA_DETECTOR") == "average" ? Detector::Average : Detector::Peak;
     Engine engine(band, clock, detector, settings.number("WSA_OUTPUT_RATE"));
-    for (Sink* sink : std::initializer_list<Sink*>{analyzer.get(), front.get(), recorder.get(),
-                                                    status.get()})
+    for (Sink* sink :
+         std::initializer_list<Sink*>{analyzer.get(), front.get(), recorder.get(), status.get()})
         if (sink)
             engine.addSink(sink);
     if (recordOnly)

@@ -152,8 +152,8 @@ void TestEngineFront::statusBesideRecords()
     QTemporaryDir statusDir;
     const QString path = statusDir.filePath("status");
     const int listener = listenAt(path);
-    Run run({"WSA_STATUS_SOCKET=" + path, "WSA_SOURCE=replay",
-             "WSA_REPLAY_FILE=/nonexistent/rec.csv"});
+    Run run(
+        {"WSA_STATUS_SOCKET=" + path, "WSA_SOURCE=replay", "WSA_REPLAY_FILE=/nonexistent/rec.csv"});
     FrontPeer peer;
     const int fd = acceptWithin(listener, 5000);
     QVERIFY(fd >= 0);

@@ -179,7 +179,7 @@ void TestFrontRecorder::diskSpace()
 // file and the cause, and nothing more is attempted until the next start.
 void TestFrontRecorder::cannotRecord_data()
 {
-    QTest::addColumn<QString>("dir"); // "FILE" stands for a regular file
+    QTest::addColumn<QString>("dir");   // "FILE" stands for a regular file
     QTest::addColumn<int>("fileLimit"); // RLIMIT_FSIZE in rows; 0: none
     QTest::addColumn<QString>("cause");
     QTest::newRow("directory is a file") << "FILE/rec" << 0 << "FILE/rec: Not a directory";
@@ -195,7 +195,8 @@ void TestFrontRecorder::cannotRecord()
     QTemporaryDir tmp;
     QTemporaryFile file;
     QVERIFY(file.open());
-    const QString path = dir.isEmpty() ? dir : tmp.filePath(dir).replace(tmp.filePath("FILE"), file.fileName());
+    const QString path =
+        dir.isEmpty() ? dir : tmp.filePath(dir).replace(tmp.filePath("FILE"), file.fileName());
     cause.replace("FILE", file.fileName());
     Rig rig(path, false);
     rlimit old{};

@@ -91,8 +91,7 @@ void TestFrontStream::framesInOrder()
     settings.set("WSA_REPLAY_FILE", writeRecording(dir, rows, 5).toStdString());
     FrontPeer peer;
     ScriptClock clock(1000000);
-    FrontSocketSink sink(peer.engineEnd(), FrontSocketSink::Mode::Full, band24(), "replay",
-                         clock);
+    FrontSocketSink sink(peer.engineEnd(), FrontSocketSink::Mode::Full, band24(), "replay", clock);
     Engine engine(band24(), clock, Detector::Peak, 1000);
     engine.addSink(&sink);
     peer.start();
@@ -243,9 +242,8 @@ void TestFrontStream::replayControls()
     ScriptClock clock(0);
     for (const QString& step : script.split(' ')) {
         const QStringList p = step.split(':');
-        clock.at(p[0].toDouble(), [&peer, p] {
-            peer.send(wsa::ControlCommand(p[1].toInt()), p[2].toDouble());
-        });
+        clock.at(p[0].toDouble(),
+                 [&peer, p] { peer.send(wsa::ControlCommand(p[1].toInt()), p[2].toDouble()); });
     }
     // The paused replay waits in real time; the window resumes it once it has been still.
     std::atomic<int> offeredAtPause{-1};
@@ -265,8 +263,7 @@ void TestFrontStream::replayControls()
         void take(const float*, int, double) override { ++*n; }
     } counter;
     counter.n = &offered;
-    FrontSocketSink sink(peer.engineEnd(), FrontSocketSink::Mode::Full, band24(), "replay",
-                         clock);
+    FrontSocketSink sink(peer.engineEnd(), FrontSocketSink::Mode::Full, band24(), "replay", clock);
     Engine engine(band24(), clock, Detector::Peak, 1000);
     engine.addSink(&sink);
     engine.addObserver(&stamps);
@@ -285,20 +282,22 @@ void TestFrontStream::replayControls()
     const QByteArray tag = QTest::currentDataTag();
     if (tag == "seek") {
         // Up to the seek in order, then from the row at 0.5 s on, each once.
-        const auto jump = std::adjacent_find(at.begin(), at.end(),
-                                             [](double a, double b) { return b != a + 1; });
+        const auto jump =
+            std::adjacent_find(at.begin(), at.end(), [](double a, double b) { return b != a + 1; });
         QVERIFY(jump != at.end());
         QCOMPARE(*(jump + 1), 100.0);
         QCOMPARE(at.back(), rows - 1.0);
         QCOMPARE(std::size_t(at.end() - jump - 1), std::size_t(rows - 100));
-        const auto sought = std::find_if(log.replays.begin(), log.replays.end(),
-                                         [](const wsa::ReplayFrame& f) { return f.position == 0.5; });
+        const auto sought =
+            std::find_if(log.replays.begin(), log.replays.end(),
+                         [](const wsa::ReplayFrame& f) { return f.position == 0.5; });
         QVERIFY(sought != log.replays.end());
     } else if (tag == "seek past the end") {
         QVERIFY(at.size() < std::size_t(rows));
         QCOMPARE(log.replays.back().position, log.replays.back().duration);
     } else if (tag == "loop") {
-        QVERIFY2(std::count(at.begin(), at.end(), 0.0) >= 3, qPrintable(QString::number(at.size())));
+        QVERIFY2(std::count(at.begin(), at.end(), 0.0) >= 3,
+                 qPrintable(QString::number(at.size())));
         QCOMPARE(at.back(), rows - 1.0);
         QVERIFY(std::any_of(log.replays.begin(), log.replays.end(),
                             [](const wsa::ReplayFrame& f) { return f.loop; }));
@@ -313,7 +312,8 @@ void TestFrontStream::replayControls()
         const double before = meanGapMs(stamps.atNs.begin(), split);
         const double after = meanGapMs(split, stamps.atNs.end());
         const double expected = tag == "speed" ? spacingMs / 4.0 : spacingMs;
-        QVERIFY2(std::abs(before - spacingMs) <= 0.1 * spacingMs, qPrintable(QString::number(before)));
+        QVERIFY2(std::abs(before - spacingMs) <= 0.1 * spacingMs,
+                 qPrintable(QString::number(before)));
         QVERIFY2(std::abs(after - expected) <= 0.2 * expected, qPrintable(QString::number(after)));
         QCOMPARE(log.replays.back().speed, tag == "speed" ? 4.0 : 1.0);
     } else if (tag == "pause") {

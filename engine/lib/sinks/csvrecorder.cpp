@@ -148,8 +148,8 @@ bool CsvRecorderSink::roomOnDisk()
     }
     const bool low = free < m_policy.warnFreeBytes;
     if (low && !m_warned) {
-        const std::string text = "the disk of " + m_path + " is almost full: " +
-                                 megabytes(free) + " left; recording stops at " +
+        const std::string text = "the disk of " + m_path + " is almost full: " + megabytes(free) +
+                                 " left; recording stops at " +
                                  megabytes(m_policy.reserveFreeBytes);
         std::fprintf(stderr, "wsa_raw: %s\n", text.c_str());
         if (m_engine)

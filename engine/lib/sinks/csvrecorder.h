@@ -64,7 +64,7 @@ private:
     std::string m_dir;
     RecorderPolicy m_policy;
     Engine* m_engine = nullptr;
-    std::string m_base; // the path without ".csv"
+    std::string m_base;   // the path without ".csv"
     bool m_armed = false; // started: the next sweep creates the file
     int m_fd = -1;
     std::string m_path;

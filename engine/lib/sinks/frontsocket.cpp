@@ -18,6 +18,7 @@ constexpr int kMaxBacklogBytes = 64 * 1024;
 // A window that takes nothing for this long has hung; a frame cut short there would damage the
 // stream, so the window is given up.
 constexpr timeval kSendTimeout{2, 0};
+constexpr int kMaxReadsPerWake = 16;
 
 int unreadBytes(int fd)
 {
@@ -95,7 +96,9 @@ bool FrontSocketSink::closed()
     if (m_gone || m_ended)
         return true;
     char bytes[4096];
-    for (;;) {
+    // Bounded, so that a window sending without pause cannot hold the engine here; the rest
+    // is read at the next wait.
+    for (int reads = 0; reads < kMaxReadsPerWake; ++reads) {
         const ssize_t n = recv(m_fd, bytes, sizeof bytes, MSG_DONTWAIT);
         if (n > 0) {
             m_reader.feed(bytes, std::size_t(n));
@@ -110,6 +113,7 @@ bool FrontSocketSink::closed()
         m_gone = true;
         return true;
     }
+    return false;
 }
 
 SinkResult FrontSocketSink::send(Urgency urgency)
@@ -125,8 +129,8 @@ SinkResult FrontSocketSink::send(Urgency urgency)
         if (n < 0 && errno == EINTR)
             continue;
         if (n < 0) {
-            const bool went = errno == EPIPE || errno == ECONNRESET || errno == EAGAIN ||
-                              errno == EWOULDBLOCK;
+            const bool went =
+                errno == EPIPE || errno == ECONNRESET || errno == EAGAIN || errno == EWOULDBLOCK;
             if (!went && m_mode == Mode::Full)
                 return SinkResult::Failed;
             // Wake the engine's wait, which then finds the window gone.
@@ -158,8 +162,7 @@ SinkResult FrontSocketSink::announce(const wsa::Announcement&)
     // The grid every source resamples onto, whatever its own records announce.
     const wsa::SourceGrid& grid = m_band.grid;
     m_out.clear();
-    wsa::encodeConfigured(
-        m_out, {grid.startHz, grid.stepHz, grid.shown, int(m_band.id), m_source});
+    wsa::encodeConfigured(m_out, {grid.startHz, grid.stepHz, grid.shown, int(m_band.id), m_source});
     return send(Urgency::Always);
 }
 

@@ -64,7 +64,7 @@ private:
     Engine* m_engine = nullptr;
     wsa::FrameReader m_reader;
     bool m_gone = false;
-    bool m_ended = false; // a Status ended the source: the engine is to stop
+    bool m_ended = false;      // a Status ended the source: the engine is to stop
     bool m_statusSent = false; // a reason came before its fault: one Status, not two
     std::vector<char> m_out;
     std::vector<char> m_heldRecording;

@@ -131,8 +131,7 @@ int ReplaySource::run(Engine& engine)
     LineFile file;
     if (const int error = file.open(path.c_str()))
         return noProbe(engine,
-                       error == ENOENT   ? StatusReason::FileMissing
-                                         : StatusReason::FileUnusable,
+                       error == ENOENT ? StatusReason::FileMissing : StatusReason::FileUnusable,
                        error == EINVAL ? path + " is not a regular file" : "cannot open " + path,
                        error == EINVAL ? std::string() : std::strerror(error));
     if (file.size() == 0)
