@@ -64,6 +64,12 @@ QString writeRecording(const QTemporaryDir& dir, int rows, int spacingMs)
     return path;
 }
 
+// A literal's bytes, zeros included.
+template <std::size_t N> QByteArray bytes(const char (&text)[N])
+{
+    return QByteArray(text, N - 1);
+}
+
 } // namespace
 
 class TestFrontStream : public QObject
@@ -184,9 +190,9 @@ void TestFrontStream::windowInput_data()
     QTest::addColumn<int>("piece");         // bytes per write
     QTest::newRow("whole") << QByteArray() << 1000;
     QTest::newRow("byte by byte") << QByteArray() << 1;
-    QTest::newRow("garbage") << QByteArray("\x01garbage W2\x10\0\xff\xff\xff\xff", 21) << 1000;
-    QTest::newRow("unknown kind") << QByteArray("W2\x7f\0\x04\0\0\0abcd", 12) << 3;
-    QTest::newRow("wrong size") << QByteArray("W2\x10\0\x04\0\0\0\x05\0\0\0", 12) << 1000;
+    QTest::newRow("garbage") << bytes("\x01garbage W2\x10\0\xff\xff\xff\xff") << 1000;
+    QTest::newRow("unknown kind") << bytes("W2\x7f\0\x04\0\0\0abcd") << 3;
+    QTest::newRow("wrong size") << bytes("W2\x10\0\x04\0\0\0\x05\0\0\0") << 1000;
 }
 
 void TestFrontStream::windowInput()
