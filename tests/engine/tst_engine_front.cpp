@@ -56,6 +56,7 @@ class TestEngineFront : public QObject
 
 private slots:
     void windowStream();
+    void replayRecordedWhenAsked();
     void statusEndsTheStream();
     void refusesStrangeListener();
     void statusBesideRecords();
@@ -92,6 +93,38 @@ void TestEngineFront::windowStream()
     QVERIFY(proc.waitForFinished(5000));
     QCOMPARE(proc.exitCode(), 0);
     QVERIFY(!QFile::exists(dir.filePath("SERVERSOCK")));
+    close(listener);
+}
+
+// With a window, a replay is not recorded again until the window asks; then at once.
+void TestEngineFront::replayRecordedWhenAsked()
+{
+    QTemporaryDir dir;
+    QFile rec(dir.filePath("played.csv"));
+    QVERIFY(rec.open(QIODevice::WriteOnly));
+    for (int i = 0; i < 300; ++i)
+        rec.write(QString("2024-03-01, 12:00:%1, 2430000000, 2435000000, 1000000.00, 20, -60, "
+                          "-61, -62, -63, -64\n")
+                      .arg(i / 50.0, 9, 'f', 6, QChar('0'))
+                      .toLatin1());
+    rec.close();
+    const QString path = dir.filePath("front");
+    const int listener = listenAt(path);
+    QProcess proc;
+    startEngine(proc, dir,
+                {"WSA_FRONT_SOCKET=" + path, "WSA_SOURCE=replay", "WSA_OUTPUT_RATE=50",
+                 "WSA_REPLAY_FILE=" + rec.fileName(), "WSA_RECORD_DIR=" + dir.filePath("rec")});
+    FrontPeer peer;
+    const int fd = acceptWithin(listener, 5000);
+    QVERIFY(fd >= 0);
+    QVERIFY(dup2(fd, peer.windowEnd()) >= 0);
+    close(fd);
+    QVERIFY(readUntil(peer, [](const FrontPeer::Log& l) { return l.sweeps.size() >= 5; }));
+    QVERIFY(peer.log().recordings.empty());
+    QVERIFY(!QDir(dir.filePath("rec")).exists());
+    peer.send(wsa::ControlCommand::Record, 1);
+    QVERIFY(readUntil(peer, [](const FrontPeer::Log& l) { return !l.recordings.empty(); }));
+    QVERIFY(QFile::exists(QString::fromStdString(peer.log().recordings[0].second)));
     close(listener);
 }
 
