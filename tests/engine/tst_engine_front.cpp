@@ -20,10 +20,14 @@ int listenAt(const QString& path)
     return fd;
 }
 
-int acceptWithin(int listener, int timeoutMs)
+// The engine's connection, taken over as the window's end of `peer`.
+bool acceptInto(FrontPeer& peer, int listener)
 {
     pollfd p{listener, POLLIN, 0};
-    return poll(&p, 1, timeoutMs) == 1 ? accept(listener, nullptr, nullptr) : -1;
+    const int fd = poll(&p, 1, 5000) == 1 ? accept(listener, nullptr, nullptr) : -1;
+    const bool taken = fd >= 0 && dup2(fd, peer.windowEnd()) >= 0;
+    close(fd);
+    return taken;
 }
 
 // An engine whose front-end socket is `path`, nothing else of the caller's environment.
@@ -74,10 +78,7 @@ void TestEngineFront::windowStream()
                 {"WSA_FRONT_SOCKET=" + path, "WSA_SIM_RATE=20", "WSA_OUTPUT_RATE=20",
                  "WSA_RECORD_DIR=" + dir.filePath("rec")});
     FrontPeer peer;
-    const int fd = acceptWithin(listener, 5000);
-    QVERIFY(fd >= 0);
-    QVERIFY(dup2(fd, peer.windowEnd()) >= 0);
-    close(fd);
+    QVERIFY(acceptInto(peer, listener));
     QVERIFY(readUntil(peer, [](const FrontPeer::Log& l) {
         return l.sweeps.size() >= 3 && !l.recordings.empty();
     }));
@@ -115,10 +116,7 @@ void TestEngineFront::replayRecordedWhenAsked()
                 {"WSA_FRONT_SOCKET=" + path, "WSA_SOURCE=replay", "WSA_OUTPUT_RATE=50",
                  "WSA_REPLAY_FILE=" + rec.fileName(), "WSA_RECORD_DIR=" + dir.filePath("rec")});
     FrontPeer peer;
-    const int fd = acceptWithin(listener, 5000);
-    QVERIFY(fd >= 0);
-    QVERIFY(dup2(fd, peer.windowEnd()) >= 0);
-    close(fd);
+    QVERIFY(acceptInto(peer, listener));
     QVERIFY(readUntil(peer, [](const FrontPeer::Log& l) { return l.sweeps.size() >= 5; }));
     QVERIFY(peer.log().recordings.empty());
     QVERIFY(!QDir(dir.filePath("rec")).exists());
@@ -137,10 +135,7 @@ void TestEngineFront::statusEndsTheStream()
     QProcess proc;
     startEngine(proc, dir, {"WSA_FRONT_SOCKET=" + path, "WSA_SOURCE=nosuch"});
     FrontPeer peer;
-    const int fd = acceptWithin(listener, 5000);
-    QVERIFY(fd >= 0);
-    QVERIFY(dup2(fd, peer.windowEnd()) >= 0);
-    close(fd);
+    QVERIFY(acceptInto(peer, listener));
     QVERIFY(readUntil(peer, [](const FrontPeer::Log& l) { return l.eof; }));
     QCOMPARE(peer.log().kinds, std::string("T"));
     QCOMPARE(peer.log().statuses[0].first, wsa::StatusCode::BadSetting);
@@ -188,10 +183,7 @@ void TestEngineFront::statusBesideRecords()
     Run run(
         {"WSA_STATUS_SOCKET=" + path, "WSA_SOURCE=replay", "WSA_REPLAY_FILE=/nonexistent/rec.csv"});
     FrontPeer peer;
-    const int fd = acceptWithin(listener, 5000);
-    QVERIFY(fd >= 0);
-    QVERIFY(dup2(fd, peer.windowEnd()) >= 0);
-    close(fd);
+    QVERIFY(acceptInto(peer, listener));
     QCOMPARE(run.next().type, char(SA_MSG_NO_DEVICE));
     QVERIFY(readUntil(peer, [](const FrontPeer::Log& l) { return l.eof; }));
     const FrontPeer::Log log = peer.log();
