@@ -60,6 +60,40 @@ void Engine::analysis(const std::string& json)
         sink->analysis(json);
 }
 
+void Engine::recording(std::int64_t bytes, const std::string& path)
+{
+    for (Sink* sink : m_sinks)
+        sink->recording(bytes, path);
+}
+
+void Engine::replay(const wsa::ReplayFrame& frame)
+{
+    for (Sink* sink : m_sinks)
+        sink->replay(frame);
+}
+
+void Engine::control(wsa::ControlCommand command, double value)
+{
+    for (Sink* sink : m_sinks)
+        sink->control(command, value);
+    // A copy: a handler may end its scope in reply.
+    const std::vector<ControlHandler*> handlers = m_handlers;
+    for (ControlHandler* handler : handlers)
+        m_controlWake = handler->control(command, value) || m_controlWake;
+}
+
+Engine::ControlScope::ControlScope(Engine& engine, ControlHandler* handler)
+    : m_engine(engine), m_handler(handler)
+{
+    m_engine.m_handlers.push_back(handler);
+}
+
+Engine::ControlScope::~ControlScope()
+{
+    auto& handlers = m_engine.m_handlers;
+    handlers.erase(std::remove(handlers.begin(), handlers.end(), m_handler), handlers.end());
+}
+
 void Engine::offer(const double* levels, double timeSeconds)
 {
     if (!m_observers.empty()) {
@@ -124,6 +158,17 @@ WaitResult Engine::waitForReader()
     return WaitResult::Deadline;
 }
 
+WaitResult Engine::flush(long long boundNs)
+{
+    const long long endNs = m_clock.nowNs() + boundNs;
+    while (m_pacer.pending() && m_clock.nowNs() < endNs) {
+        const WaitResult result = waitFor(-1, m_clock.nowNs() + kReaderRecheckMs * 1000000LL);
+        if (result == WaitResult::Closed || result == WaitResult::Failed)
+            return result;
+    }
+    return WaitResult::Deadline;
+}
+
 WaitResult Engine::waitFor(int sourceFd, long long deadlineNs, int otherFd)
 {
     const bool endless = sourceFd < 0 && otherFd < 0 && deadlineNs < 0 && !hasFrontEnd();
@@ -142,6 +187,10 @@ WaitResult Engine::waitFor(int sourceFd, long long deadlineNs, int otherFd)
             return WaitResult::Closed;
         const long long waitNs = wakeNs < 0 ? -1 : std::max(0LL, wakeNs - now);
         const int timeoutMs = waitNs < 0 ? -1 : int((waitNs + 999999) / 1000000);
+        if (m_controlWake) {
+            m_controlWake = false;
+            return WaitResult::Control;
+        }
         const WaitResult result = poll(sourceFd, otherFd, timeoutMs);
         if (result != WaitResult::Deadline)
             return result;

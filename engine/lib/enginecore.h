@@ -28,6 +28,7 @@ enum class WaitResult {
     SourceReady, // the source's descriptor is readable
     Closed,      // the front-end went, a stop was asked for, or nothing can happen any more
     Failed,      // a sink failed
+    Control,     // a control handler asked to act on a control at once (waitFor only)
 };
 
 class Engine
@@ -35,7 +36,11 @@ class Engine
 public:
     Engine(const wsa::Band& band, const Clock& clock, Detector detector, double outputRate);
 
-    void addSink(Sink* sink) { m_sinks.push_back(sink); }
+    void addSink(Sink* sink)
+    {
+        m_sinks.push_back(sink);
+        sink->attached(*this);
+    }
     void addObserver(SweepObserver* observer) { m_observers.push_back(observer); }
     // A descriptor that turns readable when the engine is to stop (a signal's self-pipe).
     void setStopFd(int fd) { m_stopFd = fd; }
@@ -50,18 +55,40 @@ public:
     SinkResult damaged(Damage damage, const int* levels, int count);
     void reason(StatusReason reason, const std::string& text);
     void analysis(const std::string& json);
+    void recording(std::int64_t bytes, const std::string& path);
+    void replay(const wsa::ReplayFrame& frame);
+
+    // Controls from a front-end go to every handler; those that do not apply are ignored.
+    // A handler stays registered while its ControlScope lives.
+    void control(wsa::ControlCommand command, double value);
+    class ControlScope
+    {
+    public:
+        ControlScope(Engine& engine, ControlHandler* handler);
+        ~ControlScope();
+        ControlScope(const ControlScope&) = delete;
+        ControlScope& operator=(const ControlScope&) = delete;
+
+    private:
+        Engine& m_engine;
+        ControlHandler* m_handler;
+    };
 
     // One sweep of `grid().raw` levels in dBm: to the observers, then into the pacing stage.
     // timeSeconds < 0: stamped with the engine clock.
     void offer(const double* levels, double timeSeconds = -1);
 
     // Delivers what is pending whenever a slot is due, until the clock reaches deadlineNs
-    // (< 0: no deadline), sourceFd or otherFd (>= 0) is readable, or the front-end goes.
+    // (< 0: no deadline), sourceFd or otherFd (>= 0) is readable, the front-end goes, or a
+    // control handler asks for its source to act.
     // Without a front-end to wait for, a wait with neither deadline nor source ends (Closed)
     // once everything pending is delivered.
     WaitResult waitFor(int sourceFd, long long deadlineNs, int otherFd = -1);
     // Waits until every sink can take a record (a reader has taken everything so far).
     WaitResult waitForReader();
+    // Delivers what the pacing stage holds, waiting for its slot and the reader, at most
+    // boundNs: a source's last sweep goes out before the word that it ended.
+    WaitResult flush(long long boundNs);
 
 private:
     bool hasFrontEnd() const;
@@ -73,6 +100,8 @@ private:
     Pacer m_pacer;
     std::vector<Sink*> m_sinks;
     std::vector<SweepObserver*> m_observers;
+    std::vector<ControlHandler*> m_handlers;
+    bool m_controlWake = false;
     int m_stopFd = -1;
     float m_observed[SA_MAX_SAMPLES];
     std::vector<pollfd> m_fds;

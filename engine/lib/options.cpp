@@ -191,6 +191,15 @@ const std::vector<Variable>& commonVariables()
         flag("WSA_RECORD_ONLY",
              "1: connect to no analyzer, only record into WSA_RECORD_DIR until the source ends "
              "or SIGTERM/SIGINT"),
+        number("WSA_RECORD_LIMIT_MB", "MB", 1, 1048576, "0",
+               "start a new recording file before one would grow past this size; 0: no limit",
+               true),
+        text("WSA_FRONT_SOCKET", "",
+             "a desktop front-end's socket: the engine connects there instead of ./SERVERSOCK "
+             "and speaks the framed front-end stream (sweeps, status, analysis out; controls in)"),
+        text("WSA_STATUS_SOCKET", "",
+             "beside ./SERVERSOCK: status and recording frames also go to this socket, for a "
+             "host that shows what the handheld analyzer cannot"),
         number("WSA_LEVEL_OFFSET_DB", "dB", -200, 200, "the source's own (hackrf -20, replay 0)",
                "calibration offset added to measured levels"),
     };

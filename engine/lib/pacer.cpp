@@ -9,7 +9,8 @@ namespace
 // While a sink is not ready, look again this often, so that a record follows soon after the
 // reader resumes.
 constexpr long long kRecheckNs = 10 * 1000000LL;
-// Levels on the wire are whole dBm; this keeps absurd input (a wrong offset) printable.
+// Levels in records are whole dBm; this keeps absurd input (a wrong offset) printable, and
+// within what a front-end stream's reader accepts.
 constexpr long kMinDbm = -200;
 constexpr long kMaxDbm = 50;
 
@@ -53,12 +54,13 @@ SinkResult Pacer::deliver(const std::vector<Sink*>& sinks)
         const double level =
             m_detector == Detector::Peak ? m_combined[i] : 10 * std::log10(m_combined[i] / m_count);
         m_levels[i] = int(std::clamp(std::lround(level), kMinDbm, kMaxDbm));
+        m_dbm[i] = float(std::clamp(level, double(kMinDbm), double(kMaxDbm)));
     }
     m_count = 0;
     m_stale = false;
     // In order: a recording holds what the analyzer was sent.
     for (Sink* sink : sinks) {
-        const SinkResult result = sink->sweep(m_levels, m_grid.raw);
+        const SinkResult result = sink->sweepDbm(m_dbm, m_levels, m_grid.raw);
         if (result != SinkResult::Ok)
             return result;
     }

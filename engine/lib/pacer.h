@@ -47,6 +47,7 @@ private:
     long long m_nextSlotNs = 0;
     long long m_staleAtNs = 0;
     int m_levels[SA_MAX_SAMPLES];
+    float m_dbm[SA_MAX_SAMPLES]; // the same before rounding, for sinks that keep fractions
 };
 
 #endif

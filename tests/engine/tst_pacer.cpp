@@ -326,7 +326,7 @@ void TestPacer::failuresCarryTheirReason_data()
         << int(StatusReason::ProgramMissing) << "README.md is not installed";
     QTest::newRow("recording missing")
         << "replay" << QStringList{"WSA_REPLAY_FILE=/nonexistent/rec.csv"}
-        << int(StatusReason::FileUnusable) << "/nonexistent/rec.csv";
+        << int(StatusReason::FileMissing) << "/nonexistent/rec.csv";
     QTest::newRow("recording not a file")
         << "replay" << QStringList{"WSA_REPLAY_FILE=/dev/null"} << int(StatusReason::FileUnusable)
         << "/dev/null is not a regular file";

@@ -21,6 +21,10 @@ constexpr char kUnknownType = 'z';
 int connectToAnalyzer(const char* path, int attempts, int intervalMs)
 {
     sockaddr_un addr{};
+    if (std::strlen(path) >= sizeof addr.sun_path) {
+        errno = ENAMETOOLONG;
+        return -1;
+    }
     addr.sun_family = AF_UNIX;
     std::strncpy(addr.sun_path, path, sizeof addr.sun_path - 1);
     int lastErrno = 0;
