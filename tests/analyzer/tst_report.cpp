@@ -4,6 +4,7 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QtTest>
+#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -54,6 +55,20 @@ bool writeFile(const QString& path, const QByteArray& content)
 {
     QFile f(path);
     return f.open(QIODevice::WriteOnly) && f.write(content) == content.size();
+}
+
+// A directory's entries by their bytes, sorted; Qt skips names that are not UTF-8.
+QList<QByteArray> names(const QByteArray& path)
+{
+    QList<QByteArray> out;
+    if (DIR* d = opendir(path.constData())) {
+        while (const dirent* e = readdir(d))
+            if (std::strcmp(e->d_name, ".") && std::strcmp(e->d_name, ".."))
+                out << QByteArray(e->d_name);
+        closedir(d);
+    }
+    std::sort(out.begin(), out.end());
+    return out;
 }
 
 } // namespace
@@ -180,71 +195,32 @@ private slots:
         QCOMPARE(page.readAll(), expectedPage(name, version, mac, serial));
     }
 
-    // When no page can be written the user is told where and why, besides the console line.
-    void unsavedResultIsReported_data()
-    {
-        QTest::addColumn<QString>("resultDir"); // relative to the test's directory
-        QTest::addColumn<QString>("console");
-        QTest::addColumn<QString>("reason");
-        // Below a regular file nothing can be created, even by root.
-        QTest::newRow("below a file") << "plain-file/results"
-                                      << "crate file %1/blocked.html failed"
-                                      << "%1/blocked.html\n" + QString(strerror(ENOTDIR));
-        const QString longDir = "d" + QString("x").repeated(120);
-        QTest::newRow("too long") << longDir
-                                  << "Test result not saved: result directory path too long: %1"
-                                  << "%1\nThe path is too long.";
-        QTest::newRow("read-only") << "read-only"
-                                   << "crate file %1/blocked.html failed"
-                                   << "%1/blocked.html\n" + QString(strerror(EACCES));
-    }
-
-    void unsavedResultIsReported()
-    {
-        QFETCH(QString, resultDir);
-        QFETCH(QString, console);
-        QFETCH(QString, reason);
-        if (resultDir == "read-only" && geteuid() == 0)
-            QSKIP("root writes into read-only directories");
-        const QString path = m_f.env->path() + '/' + resultDir;
-        QVERIFY(writeFile(m_f.env->path() + "/plain-file", "x"));
-        QDir().mkpath(m_f.env->path() + "/read-only");
-        QFile::setPermissions(m_f.env->path() + "/read-only", QFile::ReadOwner | QFile::ExeOwner);
-        qputenv("WSA_RESULT_DIR", path.toLocal8Bit());
-        const QString out = save("blocked");
-        QVERIFY2(out.startsWith(console.arg(path) + '\n'), qPrintable(out));
-        QCOMPARE(out.count("[window]"), 1);
-        QVERIFY2(out.contains("[window] Error: The test result could not be saved.\n" +
-                              reason.arg(path) + '\n'),
-                 qPrintable(out));
-        QVERIFY(!m_f.w->m_pMsg);
-    }
-
-    // Result directories whose names a shell would act on: created as named, nothing runs.
+    // Result directories whose names a shell would act on, or that are not UTF-8: created by
+    // their bytes, nothing runs.
     void resultDirIsQuoted_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::newRow("blanks") << "with  two blanks";
-        QTest::newRow("semicolon") << "a;touch INJ";
-        QTest::newRow("substitution") << "$(touch INJ)";
-        QTest::newRow("backticks") << "`touch INJ`";
-        QTest::newRow("single quote") << "it's';touch INJ;'";
-        QTest::newRow("double quote") << "say \"hi\";touch INJ";
+        QTest::addColumn<QByteArray>("name");
+        QTest::newRow("blanks") << QByteArray("with  two blanks");
+        QTest::newRow("semicolon") << QByteArray("a;touch INJ");
+        QTest::newRow("substitution") << QByteArray("$(touch INJ)");
+        QTest::newRow("backticks") << QByteArray("`touch INJ`");
+        QTest::newRow("single quote") << QByteArray("it's';touch INJ;'");
+        QTest::newRow("double quote") << QByteArray("say \"hi\";touch INJ");
+        QTest::newRow("not UTF-8") << QByteArray("r\xff\xfe-\xc3(");
     }
-
     void resultDirIsQuoted()
     {
-        QFETCH(QString, name);
-        const QString path = m_f.env->path() + "/out/" + name;
-        qputenv("WSA_RESULT_DIR", path.toLocal8Bit());
-        const QString out = save("quoted");
-        QVERIFY2(!out.contains("[window]"), qPrintable(out));
-        QCOMPARE(QDir(path).entryList(QDir::NoDotAndDotDot | QDir::AllEntries, QDir::Name),
-                 QStringList({"quoted.html", "quoted_files"}));
-        QVERIFY(QFile::exists(path + "/quoted_files/wsa.bmp"));
-        QCOMPARE(QDir(m_f.env->path() + "/out").entryList({"*INJ*"}).size(), name.count("INJ"));
+        QFETCH(QByteArray, name);
+        const QByteArray out = QFile::encodeName(m_f.env->path() + "/out");
+        qputenv("WSA_RESULT_DIR", out + '/' + name);
+        const QString printed = save("quoted");
+        QVERIFY2(!printed.contains("[window]") && !printed.contains("crate file"),
+                 qPrintable(printed));
+        QCOMPARE(names(out), QList<QByteArray>{name});
+        QCOMPARE(names(out + '/' + name), QList<QByteArray>({"quoted.html", "quoted_files"}));
+        QCOMPARE(names(out + '/' + name + "/quoted_files"), QList<QByteArray>{"wsa.bmp"});
         QVERIFY(!QFile::exists(m_f.env->path() + "/INJ") && !QFile::exists("INJ"));
-        QDir(m_f.env->path() + "/out").removeRecursively();
+        QDir(QFile::decodeName(out)).removeRecursively();
     }
 
     // The platform's texts reach the page escaped; the rest of the page is as ever.
@@ -264,118 +240,120 @@ private slots:
                          kMac, "S&lt;1&gt;&amp;&quot;2&#39;"));
     }
 
-    // Names planted where the report's files go: nobody else's file is written, nothing waits.
-    void plantedNamesAreNotFollowed_data()
+    // Result directories that cannot take the page, and names planted where the report's files
+    // go: nobody else's file is written, nothing waits, and when no page can be written the user
+    // is told where and why, besides the console line. The vendor file is read only when it is
+    // a regular file: a FIFO in its place would hold F1 forever.
+    void refusals_data()
     {
         QTest::addColumn<QString>("plant");
-        QTest::addColumn<QString>("refused"); // the name the console line gives, empty: none
-        QTest::addColumn<int>("error");       // the reason in the box, 0: no box
+        QTest::addColumn<QString>("resultDir"); // below the test's directory, empty: the usual
+        QTest::addColumn<QString>("console");   // first line, %1 the result directory
+        QTest::addColumn<QString>("reason");    // the box's text after its first line, or empty
         QTest::addColumn<bool>("pageWritten");
-        QTest::newRow("page is a link") << "page link"
-                                        << "planted.html" << ELOOP << false;
-        QTest::newRow("page is a hard link") << "page hard link"
-                                             << "planted.html" << EEXIST << false;
-        QTest::newRow("page of another user") << "page foreign"
-                                              << "planted.html" << EEXIST << false;
-        QTest::newRow("page is a FIFO") << "page fifo"
-                                        << "planted.html" << ENXIO << false;
-        QTest::newRow("picture directory is a link") << "dir link"
-                                                     << "planted_files" << ENOTDIR << false;
-        QTest::newRow("picture directory is a file") << "dir file"
-                                                     << "planted_files" << ENOTDIR << false;
-        QTest::newRow("picture directory of another user") << "dir foreign"
-                                                           << "planted_files" << EPERM << false;
-        QTest::newRow("picture is a link") << "picture link"
-                                           << "planted_files/wsa.bmp" << 0 << true;
-        QTest::newRow("own earlier report") << "own"
-                                            << "" << 0 << true;
+        const QString failed = "crate file %1/%2 failed";
+        const auto row = [&](const char* tag, const QString& resultDir, const QString& refused,
+                             int error, bool written = false) {
+            const QString path = "%1/" + refused;
+            QTest::newRow(tag) << QString(tag) << resultDir
+                               << (refused.isEmpty() ? QString() : failed.arg("%1", refused))
+                               << (error ? path + '\n' + strerror(error) : QString()) << written;
+        };
+        // Below a regular file nothing can be created, even by root.
+        row("below a file", "plain-file/results", "planted.html", ENOTDIR);
+        row("read-only", "read-only", "planted.html", EACCES);
+        QTest::newRow("too long") << "too long"
+                                  << "d" + QString("x").repeated(120)
+                                  << "Test result not saved: result directory path too long: %1"
+                                  << "%1\nThe path is too long." << false;
+        row("page is a link", "", "planted.html", ELOOP);
+        row("page is a hard link", "", "planted.html", EEXIST);
+        row("page of another user", "", "planted.html", EEXIST);
+        row("page is a FIFO", "", "planted.html", ENXIO);
+        row("picture directory is a link", "", "planted_files", ENOTDIR);
+        row("picture directory is a file", "", "planted_files", ENOTDIR);
+        row("picture directory of another user", "", "planted_files", EPERM);
+        row("picture is a link", "", "planted_files/wsa.bmp", 0, true);
+        row("own earlier report", "", "", 0, true);
+        row("vendor file is a FIFO", "", "", 0, true);
     }
-    void plantedNamesAreNotFollowed()
+    void refusals()
     {
         QFETCH(QString, plant);
-        QFETCH(QString, refused);
-        QFETCH(int, error);
+        QFETCH(QString, resultDir);
+        QFETCH(QString, console);
+        QFETCH(QString, reason);
         QFETCH(bool, pageWritten);
-        if (plant.endsWith("foreign") && geteuid() != 0)
+        if (plant.contains("another user") && geteuid() != 0)
             QSKIP("only root can give a file to another user");
+        if (plant == "read-only" && geteuid() == 0)
+            QSKIP("root writes into read-only directories");
         qputenv("WSA_MAC_ADDRESS", kMac);
         qputenv("WSA_SERIAL_NUMBER", kSerial);
         QVERIFY(writeFile(vendorFile(), kVendor));
-        const QString outside = m_f.env->path() + "/outside", outsideDir = outside + "-dir";
+        const QString base = m_f.env->path(), outside = base + "/outside";
+        const QString outsideDir = outside + "-dir";
+        const QString results = resultDir.isEmpty() ? m_f.env->resultDir() : base + '/' + resultDir;
+        qputenv("WSA_RESULT_DIR", QFile::encodeName(results));
         QVERIFY(QDir(outsideDir).removeRecursively() && QDir().mkpath(outsideDir));
-        QVERIFY(writeFile(outside, "keep"));
+        QVERIFY(writeFile(outside, "keep") && writeFile(base + "/plain-file", "x"));
+        QDir().mkpath(base + "/read-only");
+        const auto own = QFile::ReadOwner | QFile::ExeOwner;
+        QFile::setPermissions(base + "/read-only", own);
         const QByteArray page = QFile::encodeName(dir("planted.html"));
         const QByteArray pictures = QFile::encodeName(dir("planted_files"));
         const QByteArray target = QFile::encodeName(outside);
-        bool planted = true;
-        if (plant == "page link")
-            planted = symlink(target, page) == 0;
-        else if (plant == "page hard link")
-            planted = link(target, page) == 0;
-        else if (plant == "page foreign")
-            planted = writeFile(dir("planted.html"), "keep") && chown(page, 4321, 4321) == 0;
-        else if (plant == "page fifo")
-            planted = mkfifo(page, 0600) == 0;
-        else if (plant == "dir link")
-            planted = symlink(QFile::encodeName(outsideDir), pictures) == 0;
-        else if (plant == "dir file")
-            planted = writeFile(dir("planted_files"), "keep");
-        else if (plant == "dir foreign")
-            planted = mkdir(pictures, 0777) == 0 && chown(pictures, 4321, 4321) == 0;
-        else if (plant == "picture link")
-            planted = mkdir(pictures, 0777) == 0 && symlink(target, pictures + "/wsa.bmp") == 0;
-        else if (plant == "own")
-            planted = writeFile(dir("planted.html"), "an earlier page, longer than the new one " +
-                                                         QByteArray(20000, 'x'));
-        QVERIFY(planted);
+        const QMap<QString, std::function<bool()>> plants = {
+            {"page is a link", [&] { return symlink(target, page) == 0; }},
+            {"page is a hard link", [&] { return link(target, page) == 0; }},
+            {"page of another user",
+             [&] {
+                 return writeFile(dir("planted.html"), "keep") && chown(page, 4321, 4321) == 0;
+             }},
+            {"page is a FIFO", [&] { return mkfifo(page, 0600) == 0; }},
+            {"picture directory is a link",
+             [&] { return symlink(QFile::encodeName(outsideDir), pictures) == 0; }},
+            {"picture directory is a file",
+             [&] { return writeFile(dir("planted_files"), "keep"); }},
+            {"picture directory of another user",
+             [&] { return mkdir(pictures, 0777) == 0 && chown(pictures, 4321, 4321) == 0; }},
+            {"picture is a link",
+             [&] {
+                 return mkdir(pictures, 0777) == 0 && symlink(target, pictures + "/wsa.bmp") == 0;
+             }},
+            {"own earlier report",
+             [&] {
+                 return writeFile(dir("planted.html"), "an earlier page, longer than the new one " +
+                                                           QByteArray(20000, 'x'));
+             }},
+            {"vendor file is a FIFO", [&] {
+                 return QFile::remove(vendorFile()) &&
+                        mkfifo(QFile::encodeName(vendorFile()), 0600) == 0;
+             }}};
+        QVERIFY(plants.value(plant, [] { return true; })());
 
         const QString out = save("planted");
-        const QString line = "crate file " + dir(refused) + " failed\n";
-        QCOMPARE(out.count("crate file"), int(!refused.isEmpty()));
-        QVERIFY2(refused.isEmpty() || out.contains(line), qPrintable(out));
-        QCOMPARE(out.count("[window]"), int(error != 0));
-        if (error)
-            QVERIFY2(out.contains("[window] Error: The test result could not be saved.\n" +
-                                  dir(refused) + '\n' + QString(strerror(error)) + '\n'),
-                     qPrintable(out));
+        QFile::remove(vendorFile());
+        QFile::setPermissions(base + "/read-only", own | QFile::WriteOwner);
+        QCOMPARE(out.count("crate file") + out.count("not saved"), int(!console.isEmpty()));
+        QVERIFY2(console.isEmpty() || out.startsWith(console.arg(results) + '\n'), qPrintable(out));
+        QCOMPARE(out.count("[window]"), int(!reason.isEmpty()));
+        QVERIFY2(reason.isEmpty() || out.contains("[window] Error: The test result could not be "
+                                                  "saved.\n" +
+                                                  reason.arg(results) + '\n'),
+                 qPrintable(out));
+        QVERIFY(!m_f.w->m_pMsg);
         QFile kept(outside);
         QVERIFY(kept.open(QIODevice::ReadOnly));
         QCOMPARE(kept.readAll(), QByteArray("keep"));
         QCOMPARE(QDir(outsideDir).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), {});
-        if (plant == "page foreign") {
-            QFile foreign(dir("planted.html"));
-            QVERIFY(foreign.open(QIODevice::ReadOnly) && foreign.readAll() == "keep");
-        }
         QFile written(dir("planted.html"));
-        QCOMPARE(QFileInfo(written).isFile() && written.open(QIODevice::ReadOnly) &&
-                     written.readAll() == expectedPage("planted", "Common 2.3.1\n", kMac, kSerial),
-                 pageWritten);
-    }
-
-    // The vendor file is read only when it is a regular file: a FIFO in its place would hold
-    // F1 forever. The version cell stays empty, as for a missing file.
-    void vendorFifoDoesNotHang()
-    {
-        qputenv("WSA_MAC_ADDRESS", kMac);
-        qputenv("WSA_SERIAL_NUMBER", kSerial);
-        QFile::remove(vendorFile());
-        QVERIFY(mkfifo(QFile::encodeName(vendorFile()), 0600) == 0);
-        save("fifo");
-        QFile page(dir("fifo.html"));
-        QVERIFY(page.open(QIODevice::ReadOnly));
-        QCOMPARE(page.readAll(), expectedPage("fifo", "", kMac, kSerial));
-        QFile::remove(vendorFile());
-    }
-
-    // A result directory whose name is not UTF-8 is used by its bytes.
-    void resultDirBytesAreKept()
-    {
-        const QByteArray path = QFile::encodeName(m_f.env->path()) + "/r\xff\xfe-\xc3(";
-        qputenv("WSA_RESULT_DIR", path);
-        const QString out = save("bytes");
-        QVERIFY2(!out.contains("[window]") && !out.contains("crate file"), qPrintable(out));
-        QVERIFY(access(path + "/bytes.html", F_OK) == 0);
-        QVERIFY(access(path + "/bytes_files/wsa.bmp", F_OK) == 0);
+        const QByteArray version = plant.startsWith("vendor") ? "" : "Common 2.3.1\n";
+        const bool open = QFileInfo(written).isFile() && written.open(QIODevice::ReadOnly);
+        const QByteArray content = open ? written.readAll() : QByteArray();
+        QCOMPARE(content == expectedPage("planted", version, kMac, kSerial), pageWritten);
+        if (plant == "page of another user")
+            QCOMPARE(content, QByteArray("keep"));
     }
 
     void f1SavesTheScreenAsABrowserShowsIt();
