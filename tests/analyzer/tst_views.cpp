@@ -505,25 +505,16 @@ private slots:
     }
 
     // The diagnostic switch: any value but empty or "0" asks for the plain drawing.
-    void plainPaintingSwitch_data()
-    {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<bool>("plain");
-        QTest::newRow("unset") << QByteArray() << false;
-        QTest::newRow("0") << QByteArray("0") << false;
-        QTest::newRow("1") << QByteArray("1") << true;
-        QTest::newRow("yes") << QByteArray("yes") << true;
-    }
     void plainPaintingSwitch()
     {
-        QFETCH(QByteArray, value);
-        QFETCH(bool, plain);
         const QByteArray saved = qgetenv("WSA_PLAIN_PAINT");
-        if (value.isNull())
-            qunsetenv("WSA_PLAIN_PAINT");
-        else
-            qputenv("WSA_PLAIN_PAINT", value);
-        QCOMPARE(wsaPlainPaintingRequested(), plain);
+        const std::pair<QByteArray, bool> values[] = {
+            {{}, false}, {"0", false}, {"1", true}, {"yes", true}};
+        for (const auto& [value, plain] : values) {
+            value.isNull() ? void(qunsetenv("WSA_PLAIN_PAINT"))
+                           : void(qputenv("WSA_PLAIN_PAINT", value));
+            QVERIFY2(wsaPlainPaintingRequested() == plain, value.constData());
+        }
         qputenv("WSA_PLAIN_PAINT", saved);
     }
 };

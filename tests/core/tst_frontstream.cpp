@@ -18,12 +18,17 @@ struct Log {
     FrameReader reader{{
         [this](const ConfiguredFrame& f) {
             events << QString("configured %1 %2 %3 %4 %5")
-                          .arg(f.firstHz, 0, 'f', 1).arg(f.stepHz, 0, 'f', 3).arg(f.bins)
-                          .arg(f.band).arg(QString::fromStdString(f.source));
+                          .arg(f.firstHz, 0, 'f', 1)
+                          .arg(f.stepHz, 0, 'f', 3)
+                          .arg(f.bins)
+                          .arg(f.band)
+                          .arg(QString::fromStdString(f.source));
         },
         [this](const SweepFrame& s) {
             events << QString("sweep %1 %2 %3 %4")
-                          .arg(s.seconds).arg(s.bins).arg(s.bins ? s.dbm[0] : 0)
+                          .arg(s.seconds)
+                          .arg(s.bins)
+                          .arg(s.bins ? s.dbm[0] : 0)
                           .arg(s.bins ? s.dbm[s.bins - 1] : 0);
         },
         [this](StatusCode c, const std::string& text) {
@@ -36,9 +41,15 @@ struct Log {
         [this](const char* what) { events << QString("damage ") + what; },
         [this](const ReplayFrame& r) {
             events << QString("replay %1/%2 x%3 %4 %5")
-                          .arg(r.position).arg(r.duration).arg(r.speed).arg(r.paused).arg(r.loop);
+                          .arg(r.position)
+                          .arg(r.duration)
+                          .arg(r.speed)
+                          .arg(r.paused)
+                          .arg(r.loop);
         },
-        [this](ControlCommand c, double v) { events << QString("control %1 %2").arg(int(c)).arg(v); },
+        [this](ControlCommand c, double v) {
+            events << QString("control %1 %2").arg(int(c)).arg(v);
+        },
     }};
 };
 
@@ -83,8 +94,8 @@ private slots:
             Log log;
             std::size_t at = 0;
             while (at < stream.size()) {
-                const std::size_t n = std::min<std::size_t>(stream.size() - at,
-                                                            round == 0 ? stream.size() : 1 + rng() % 900);
+                const std::size_t n = std::min<std::size_t>(
+                    stream.size() - at, round == 0 ? stream.size() : 1 + rng() % 900);
                 log.reader.feed(stream.data() + at, n);
                 at += n;
             }

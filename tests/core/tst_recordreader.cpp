@@ -225,20 +225,6 @@ private slots:
         QCOMPARE(a.levels, QList<int>({-50, -51}));
         QCOMPARE(a.reader.pendingBytes(), size_t(0));
     }
-
-    // The descriptor path: bytes placed straight into the reader's space.
-    void spaceAndAppended()
-    {
-        Collector c;
-        const QByteArray s = sweep(-33);
-        QCOMPARE(c.reader.missing(), size_t(SA_RECORD_SIZE));
-        std::memcpy(c.reader.space(), s.constData(), 1000);
-        c.reader.appended(1000);
-        QCOMPARE(c.reader.missing(), size_t(SA_RECORD_SIZE - 1000));
-        std::memcpy(c.reader.space(), s.constData() + 1000, SA_RECORD_SIZE - 1000);
-        c.reader.appended(SA_RECORD_SIZE - 1000);
-        QCOMPARE(c.levels, QList<int>{-33});
-    }
 };
 
 QTEST_APPLESS_MAIN(TestRecordReader)

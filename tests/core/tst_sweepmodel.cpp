@@ -51,21 +51,6 @@ private slots:
         QCOMPARE(QList<int>({max, min}), QList<int>({-30, -90}));
     }
 
-    void densityPeakRescalesInSteps()
-    {
-        long peak = 0;
-        QList<long> rescaled;
-        for (long count = 1; count <= 450; ++count) {
-            if (wsa::raiseDensityPeak(count, peak))
-                rescaled << count;
-            QVERIFY(!wsa::raiseDensityPeak(count, peak)); // level with the peak: no rescale
-        }
-        QCOMPARE(rescaled.size(), 15);
-        QCOMPARE(rescaled.first(), 25L);
-        QCOMPARE(rescaled.last(), 375L);
-        QCOMPARE(peak, 450L);
-    }
-
     void waterfallIndexCoversTheMap()
     {
         // Any display range: the strongest level is the map's top, the weakest its bottom, and
