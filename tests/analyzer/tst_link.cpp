@@ -231,29 +231,6 @@ private slots:
         QCOMPARE(*std::max_element(maxData.data + 1, maxData.data + n), -60);
     }
 
-    // Garbage of random length and content between whole sweeps, in random pieces.
-    void randomGarbageBetweenRecords()
-    {
-        QRandomGenerator rng(20240611);
-        QList<int> sent;
-        for (int k = 0; k < 40; ++k) {
-            QByteArray garbage(int(rng.bounded(1, 5000)), Qt::Uninitialized);
-            for (char& c : garbage)
-                c = char(rng.bounded(256));
-            sent << -20 - k;
-            const QByteArray stream = garbage + sweepBytes(0, sent.last());
-            for (int at = 0; at < stream.size();) {
-                const int piece = qMin(int(rng.bounded(1, 6000)), int(stream.size()) - at);
-                QCOMPARE(write(f.link, stream.constData() + at, size_t(piece)), ssize_t(piece));
-                at += piece;
-                tick();
-            }
-            for (int i = 0; i < 4; ++i)
-                tick();
-        }
-        QCOMPARE(storedLevels(), sent);
-    }
-
     // The engine undamaged and with its own damage knobs: a sweep cut in half, then a sweep
     // claiming 5000 samples and a record of unknown type. Every sweep record the engine sends is
     // stored: the whole ones, which its recording lists (sweeps it made while the analyzer was not
