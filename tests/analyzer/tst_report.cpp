@@ -131,17 +131,24 @@ private slots:
         qputenv("WSA_VENDOR_INFO", vendorFile().toLocal8Bit());
     }
 
+    // The platform's texts reach the page escaped; bytes that are not UTF-8 (nor text at all)
+    // pass unchanged.
     void saves_data()
     {
         QTest::addColumn<QString>("entry"); // null: cancelled
         QTest::addColumn<QString>("name");  // empty: nothing saved
         QTest::addColumn<QString>("console");
-        QTest::addColumn<QString>("unreadable"); // "MAC" or "serial"
-        QTest::addColumn<QByteArray>("vendor");  // null: no such file
+        QTest::addColumn<QByteArray>("mac");       // null: unreadable
+        QTest::addColumn<QByteArray>("serial");    // null: unreadable
+        QTest::addColumn<QByteArray>("vendor");    // null: no such file
+        QTest::addColumn<QByteArrayList>("cells"); // version and serial as the page shows them
         const auto row = [](const char* tag, const QString& entry, const QString& name,
-                            const QString& console = "", const QString& unreadable = "",
-                            const QByteArray& vendor = kVendor) {
-            QTest::newRow(tag) << entry << name << console << unreadable << vendor;
+                            const QString& console = "", const QByteArray& mac = kMac,
+                            const QByteArray& serial = kSerial, const QByteArray& vendor = kVendor,
+                            const QByteArrayList& cells = {}) {
+            QTest::newRow(tag) << entry << name << console << mac << serial << vendor
+                               << (cells.isEmpty() ? QByteArrayList{"Common 2.3.1\n", serial}
+                                                   : cells);
         };
         row("proposed name", "20261116-191430", "20261116191430");
         row("signs dropped", "my test_1.a", "mytest1a");
@@ -155,10 +162,16 @@ private slots:
         row("no letters or digits", "-_. /", "",
             "[window] Error: The name must contain letters or digits.");
         row("cancelled", QString(), "", "cancelled");
-        row("MAC unreadable", "info", "info", "", "MAC");
-        row("serial unreadable", "info", "info", "", "serial");
-        row("vendor file missing", "info", "info", "", "", QByteArray());
-        row("no Common in first line", "info", "info", "", "", "Model 2\nCommon 9\n");
+        row("MAC unreadable", "info", "info", "", QByteArray());
+        row("serial unreadable", "info", "info", "", kMac, QByteArray(), kVendor,
+            {"Common 2.3.1\n", QByteArray()});
+        row("vendor file missing", "info", "info", "", kMac, kSerial, QByteArray(), {"", kSerial});
+        row("no Common in first line", "info", "info", "", kMac, kSerial, "Model 2\nCommon 9\n",
+            {"", kSerial});
+        row("platform texts escaped", "info", "info", "", kMac, "S<1>&\"2'",
+            "X Common <b>&amp;\"v\" 'x' \xff\xc3\x28\x01\n",
+            {"Common &lt;b&gt;&amp;amp;&quot;v&quot; &#39;x&#39; \xff\xc3\x28\x01\n",
+             "S&lt;1&gt;&amp;&quot;2&#39;"});
     }
 
     void saves()
@@ -166,10 +179,10 @@ private slots:
         QFETCH(QString, entry);
         QFETCH(QString, name);
         QFETCH(QString, console);
-        QFETCH(QString, unreadable);
+        QFETCH(QByteArray, mac);
+        QFETCH(QByteArray, serial);
         QFETCH(QByteArray, vendor);
-        const QByteArray mac = unreadable == "MAC" ? QByteArray() : kMac;
-        const QByteArray serial = unreadable == "serial" ? QByteArray() : kSerial;
+        QFETCH(QByteArrayList, cells);
         qputenv("WSA_MAC_ADDRESS", mac);
         qputenv("WSA_SERIAL_NUMBER", serial);
         QFile::remove(vendorFile());
@@ -191,8 +204,7 @@ private slots:
         QCOMPARE(entries(name + "_files"), QStringList("wsa.bmp"));
         QFile page(dir(name + ".html"));
         QVERIFY(page.open(QIODevice::ReadOnly));
-        const QByteArray version = vendor == kVendor ? "Common 2.3.1\n" : "";
-        QCOMPARE(page.readAll(), expectedPage(name, version, mac, serial));
+        QCOMPARE(page.readAll(), expectedPage(name, cells[0], mac, cells[1]));
     }
 
     // Result directories whose names a shell would act on, or that are not UTF-8: created by
@@ -221,23 +233,6 @@ private slots:
         QCOMPARE(names(out + '/' + name + "/quoted_files"), QList<QByteArray>{"wsa.bmp"});
         QVERIFY(!QFile::exists(m_f.env->path() + "/INJ") && !QFile::exists("INJ"));
         QDir(QFile::decodeName(out)).removeRecursively();
-    }
-
-    // The platform's texts reach the page escaped; the rest of the page is as ever.
-    void platformTextsAreEscaped()
-    {
-        qputenv("WSA_MAC_ADDRESS", kMac);
-        qputenv("WSA_SERIAL_NUMBER", "S<1>&\"2'");
-        // Bytes that are not UTF-8 (nor text at all) pass unchanged.
-        QVERIFY(writeFile(vendorFile(), "X Common <b>&amp;\"v\" 'x' \xff\xc3\x28\x01\n"));
-        save("escaped");
-        QFile page(dir("escaped.html"));
-        QVERIFY(page.open(QIODevice::ReadOnly));
-        QCOMPARE(
-            page.readAll(),
-            expectedPage("escaped",
-                         "Common &lt;b&gt;&amp;amp;&quot;v&quot; &#39;x&#39; \xff\xc3\x28\x01\n",
-                         kMac, "S&lt;1&gt;&amp;&quot;2&#39;"));
     }
 
     // Result directories that cannot take the page, and names planted where the report's files
@@ -303,34 +298,30 @@ private slots:
         const QByteArray page = QFile::encodeName(dir("planted.html"));
         const QByteArray pictures = QFile::encodeName(dir("planted_files"));
         const QByteArray target = QFile::encodeName(outside);
-        const QMap<QString, std::function<bool()>> plants = {
-            {"page is a link", [&] { return symlink(target, page) == 0; }},
-            {"page is a hard link", [&] { return link(target, page) == 0; }},
-            {"page of another user",
-             [&] {
-                 return writeFile(dir("planted.html"), "keep") && chown(page, 4321, 4321) == 0;
-             }},
-            {"page is a FIFO", [&] { return mkfifo(page, 0600) == 0; }},
-            {"picture directory is a link",
-             [&] { return symlink(QFile::encodeName(outsideDir), pictures) == 0; }},
-            {"picture directory is a file",
-             [&] { return writeFile(dir("planted_files"), "keep"); }},
-            {"picture directory of another user",
-             [&] { return mkdir(pictures, 0777) == 0 && chown(pictures, 4321, 4321) == 0; }},
-            {"picture is a link",
-             [&] {
-                 return mkdir(pictures, 0777) == 0 && symlink(target, pictures + "/wsa.bmp") == 0;
-             }},
-            {"own earlier report",
-             [&] {
-                 return writeFile(dir("planted.html"), "an earlier page, longer than the new one " +
-                                                           QByteArray(20000, 'x'));
-             }},
-            {"vendor file is a FIFO", [&] {
-                 return QFile::remove(vendorFile()) &&
-                        mkfifo(QFile::encodeName(vendorFile()), 0600) == 0;
-             }}};
-        QVERIFY(plants.value(plant, [] { return true; })());
+        bool planted = true;
+        if (plant == "page is a link")
+            planted = symlink(target, page) == 0;
+        else if (plant == "page is a hard link")
+            planted = link(target, page) == 0;
+        else if (plant == "page of another user")
+            planted = writeFile(dir("planted.html"), "keep") && chown(page, 4321, 4321) == 0;
+        else if (plant == "page is a FIFO")
+            planted = mkfifo(page, 0600) == 0;
+        else if (plant == "picture directory is a link")
+            planted = symlink(QFile::encodeName(outsideDir), pictures) == 0;
+        else if (plant == "picture directory is a file")
+            planted = writeFile(dir("planted_files"), "keep");
+        else if (plant == "picture directory of another user")
+            planted = mkdir(pictures, 0777) == 0 && chown(pictures, 4321, 4321) == 0;
+        else if (plant == "picture is a link")
+            planted = mkdir(pictures, 0777) == 0 && symlink(target, pictures + "/wsa.bmp") == 0;
+        else if (plant == "own earlier report")
+            planted = writeFile(dir("planted.html"), "an earlier page, longer than the new one " +
+                                                         QByteArray(20000, 'x'));
+        else if (plant == "vendor file is a FIFO")
+            planted =
+                QFile::remove(vendorFile()) && mkfifo(QFile::encodeName(vendorFile()), 0600) == 0;
+        QVERIFY(planted);
 
         const QString out = save("planted");
         QFile::remove(vendorFile());
