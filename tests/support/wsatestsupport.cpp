@@ -172,8 +172,8 @@ void selectLayout(CWsa* w, int band, Layout layout)
     nMinDraw = mapping.minDbm;
     nMaxDraw = mapping.maxDbm;
     w->resizeGrid();
-    void (CWsa::*const show[])() = {&CWsa::procViewAll, &CWsa::procPlanar,
-                                     &CWsa::procTopographic, &CWsa::procSpectral};
+    void (CWsa::*const show[])() = {&CWsa::procViewAll, &CWsa::procPlanar, &CWsa::procTopographic,
+                                    &CWsa::procSpectral};
     (w->*show[layout])();
 }
 
