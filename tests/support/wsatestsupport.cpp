@@ -172,9 +172,20 @@ void selectLayout(CWsa* w, int band, Layout layout)
     nMinDraw = mapping.minDbm;
     nMaxDraw = mapping.maxDbm;
     w->resizeGrid();
-    void (CWsa::*const show[])() = {&CWsa::procViewAll, &CWsa::procPlanar, &CWsa::procTopographic,
-                                    &CWsa::procSpectral};
-    (w->*show[layout])();
+    switch (layout) {
+    case ViewAll:
+        w->procViewAll();
+        break;
+    case PlanarOnly:
+        w->procPlanar();
+        break;
+    case TopoOnly:
+        w->procTopographic();
+        break;
+    case SpectralOnly:
+        w->procSpectral();
+        break;
+    }
 }
 
 int shownSamples(int band)
