@@ -347,69 +347,68 @@ private slots:
             QCOMPARE(content, QByteArray("keep"));
     }
 
-    void f1SavesTheScreenAsABrowserShowsIt();
+    void f1SavesTheScreenAsABrowserShowsIt()
+    {
+        save("picture", true);
+        const QImage picture =
+            QImage(dir("picture_files/wsa.bmp"), "bmp").convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(picture.size(), QSize(658, 400));
+        const QImage screen = m_f.w->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        QList<QPoint> probes;
+        QSet<QRgb> colours;
+        for (int y = 3; y < 400; y += 37) {
+            for (int x = 5; x < 658; x += 41) {
+                QCOMPARE(picture.pixel(x, y), screen.pixel(x, y));
+                colours << picture.pixel(x, y);
+                probes << QPoint(x, y);
+            }
+        }
+        QVERIFY(colours.size() >= 3); // the views, not an empty picture
+
+        const QString chromium = "/usr/bin/chromium";
+        QVERIFY2(QFileInfo(chromium).isExecutable(),
+                 "chromium is missing: install it with scripts/setup.sh --test");
+        QTemporaryDir profile;
+        const QString shotPath = profile.path() + "/shot.png";
+        QProcess browser;
+        browser.setProcessChannelMode(QProcess::MergedChannels);
+        browser.start(chromium, {"--headless", "--no-sandbox", "--disable-gpu", "--no-first-run",
+                                 "--disable-background-networking", "--window-size=1000,800",
+                                 "--user-data-dir=" + profile.path(), "--screenshot=" + shotPath,
+                                 QUrl::fromLocalFile(dir("picture.html")).toString()});
+        if (!browser.waitForFinished(120000)) {
+            browser.kill();
+            browser.waitForFinished(5000);
+            QFAIL("chromium did not finish within two minutes; killed");
+        }
+        const QImage shot = QImage(shotPath).convertToFormat(QImage::Format_RGB32);
+        QVERIFY2(!shot.isNull(), browser.readAll().constData());
+
+        // Where the picture stands, every probe of it matches, give or take rounding.
+        const auto pictureAt = [&](const QPoint& origin) {
+            return std::all_of(probes.begin(), probes.end(), [&](const QPoint& p) {
+                return near(shot.pixel(origin + p), picture.pixel(p));
+            });
+        };
+        QPoint at(-1, -1);
+        for (int y = 0; at.y() < 0 && y + 400 <= shot.height(); ++y)
+            for (int x = 0; at.y() < 0 && x + 658 <= shot.width(); ++x)
+                at = pictureAt(QPoint(x, y)) ? QPoint(x, y) : at;
+        QVERIFY2(at.y() > 0, "the picture is not in the browser's rendering");
+
+        // Above it the table: dark text and the blue heading.
+        int dark = 0, blue = 0;
+        for (int y = 0; y < at.y(); ++y) {
+            for (int x = 0; x < shot.width(); ++x) {
+                const QRgb c = shot.pixel(x, y);
+                dark += qGray(c) < 80;
+                blue += qBlue(c) > 200 && qRed(c) < 60;
+            }
+        }
+        QVERIFY2(dark > 300 && blue > 30,
+                 qPrintable(QString("dark %1, blue %2").arg(dark).arg(blue)));
+    }
 };
-
-void TestReport::f1SavesTheScreenAsABrowserShowsIt()
-{
-    save("picture", true);
-    const QImage picture =
-        QImage(dir("picture_files/wsa.bmp"), "bmp").convertToFormat(QImage::Format_RGB32);
-    QCOMPARE(picture.size(), QSize(658, 400));
-    const QImage screen = m_f.w->grab().toImage().convertToFormat(QImage::Format_RGB32);
-    QList<QPoint> probes;
-    QSet<QRgb> colours;
-    for (int y = 3; y < 400; y += 37) {
-        for (int x = 5; x < 658; x += 41) {
-            QCOMPARE(picture.pixel(x, y), screen.pixel(x, y));
-            colours << picture.pixel(x, y);
-            probes << QPoint(x, y);
-        }
-    }
-    QVERIFY(colours.size() >= 3); // the views, not an empty picture
-
-    const QString chromium = "/usr/bin/chromium";
-    QVERIFY2(QFileInfo(chromium).isExecutable(),
-             "chromium is missing: install it with scripts/setup.sh --test");
-    QTemporaryDir profile;
-    const QString shotPath = profile.path() + "/shot.png";
-    QProcess browser;
-    browser.setProcessChannelMode(QProcess::MergedChannels);
-    browser.start(chromium, {"--headless", "--no-sandbox", "--disable-gpu", "--no-first-run",
-                             "--disable-background-networking", "--window-size=1000,800",
-                             "--user-data-dir=" + profile.path(), "--screenshot=" + shotPath,
-                             QUrl::fromLocalFile(dir("picture.html")).toString()});
-    if (!browser.waitForFinished(120000)) {
-        browser.kill();
-        browser.waitForFinished(5000);
-        QFAIL("chromium did not finish within two minutes; killed");
-    }
-    const QImage shot = QImage(shotPath).convertToFormat(QImage::Format_RGB32);
-    QVERIFY2(!shot.isNull(), browser.readAll().constData());
-
-    // Where the picture stands, every probe of it matches, give or take rounding.
-    const auto pictureAt = [&](const QPoint& origin) {
-        return std::all_of(probes.begin(), probes.end(), [&](const QPoint& p) {
-            return near(shot.pixel(origin + p), picture.pixel(p));
-        });
-    };
-    QPoint at(-1, -1);
-    for (int y = 0; at.y() < 0 && y + 400 <= shot.height(); ++y)
-        for (int x = 0; at.y() < 0 && x + 658 <= shot.width(); ++x)
-            at = pictureAt(QPoint(x, y)) ? QPoint(x, y) : at;
-    QVERIFY2(at.y() > 0, "the picture is not in the browser's rendering");
-
-    // Above it the table: dark text and the blue heading.
-    int dark = 0, blue = 0;
-    for (int y = 0; y < at.y(); ++y) {
-        for (int x = 0; x < shot.width(); ++x) {
-            const QRgb c = shot.pixel(x, y);
-            dark += qGray(c) < 80;
-            blue += qBlue(c) > 200 && qRed(c) < 60;
-        }
-    }
-    QVERIFY2(dark > 300 && blue > 30, qPrintable(QString("dark %1, blue %2").arg(dark).arg(blue)));
-}
 
 QTEST_MAIN(TestReport)
 #include "tst_report.moc"
