@@ -45,17 +45,6 @@ private slots:
         QVERIFY(sockFd >= 0 && QFileInfo(resultDir).isDir());
     }
 
-    // The result directory is created under its literal name, and no part of it runs.
-    void resultDirIsQuoted()
-    {
-        wsatest::AnalyzerEnv env;
-        const QString dir = env.path() + "/r  b;touch INJ1;$(touch INJ2)`touch INJ3`'q\"/x";
-        qputenv("WSA_RESULT_DIR", dir.toLocal8Bit());
-        CWsa w;
-        QVERIFY(QFileInfo(dir).isDir());
-        QCOMPARE(QDir(env.path()).entryList({"INJ*"}), QStringList());
-    }
-
     // Each tick takes exactly one record off the link, so the bytes waiting on it fall one
     // record at a time, about every 100 ms.
     void timerReadsOneRecordPerTick()

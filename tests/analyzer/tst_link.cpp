@@ -38,11 +38,14 @@ class TestLink : public QObject
         timer.start(10);
         return QStringList(wsatest::captureStdout([this] { f.w->wsaDataParse(); })) + boxes;
     }
-    // Newest history index, sweep count, newest stored sample count, the maximum's sample count.
-    static QByteArray sweepBytes(int level)
+    static QByteArray recordBytes(const stSweep& r)
     {
-        const stSweep r = wsatest::makeSweep(423, level);
         return QByteArray(reinterpret_cast<const char*>(&r), SA_RECORD_SIZE);
+    }
+    // A whole sweep of the band's raw sample count.
+    static QByteArray sweepBytes(int band, int level)
+    {
+        return recordBytes(wsatest::makeSweep(wsa::handheldBand(band).grid.raw, level));
     }
     // Level of each stored sweep, oldest first.
     static QList<int> storedLevels()
@@ -52,6 +55,7 @@ class TestLink : public QObject
             levels << historyData[i].data[1];
         return levels;
     }
+    // Newest history index, sweep count, newest stored sample count, the maximum's sample count.
     static QList<int> counts()
     {
         return {nLastIdx, nDataCount, historyData[qMax(0, nLastIdx)].num_samples,
@@ -175,114 +179,67 @@ private slots:
     }
 
     // Damage in the stream costs at most the damaged record: each whole sweep after it is stored,
-    // in order, and the damage is reported once. Sweeps are told apart by their level.
-    void damagedStreamResynchronises_data()
+    // in order, the damage is reported once, and nothing of it reaches the statistics (a sweep cut
+    // inside its levels would bring the next header's bytes: 101, 423, 108288, ...). Sweeps are
+    // told apart by their level.
+    void damageCostsOnlyTheDamagedRecord_data()
     {
+        QTest::addColumn<int>("band");
         QTest::addColumn<QByteArray>("damage");
         QTest::addColumn<QList<int>>("extraStored"); // levels stored from the damage itself
         QTest::addColumn<QString>("line");
-        const auto bytes = [](const stSweep& r, int n) {
-            return QByteArray(reinterpret_cast<const char*>(&r), n);
-        };
+        const QString unknown = "main received unknown data type\n";
         stSweep bad = wsatest::makeSweep(5000, -70);
-        QTest::newRow("short") << bytes(wsatest::makeSweep(423, -70), SA_RECORD_SIZE / 2)
+        QTest::newRow("short") << 0 << sweepBytes(0, -70).left(SA_RECORD_SIZE / 2)
                                << QList<int>{-70} << "";
-        QTest::newRow("count out of range") << bytes(bad, SA_RECORD_SIZE) << QList<int>{}
+        QTest::newRow("count out of range") << 0 << recordBytes(bad) << QList<int>{}
                                             << "main received sweep with bad sample count 5000\n";
         bad.type = 'z', bad.num_samples = 423;
-        QTest::newRow("unknown type")
-            << bytes(bad, SA_RECORD_SIZE) << QList<int>{} << "main received unknown data type\n";
-        QTest::newRow("garbage") << QByteArray(3000, char(0xa5)) << QList<int>{}
-                                 << "main received unknown data type\n";
+        QTest::newRow("unknown type") << 0 << recordBytes(bad) << QList<int>{} << unknown;
         QTest::newRow("unknown type cut short")
-            << bytes(bad, 100) << QList<int>{} << "main received unknown data type\n";
+            << 0 << recordBytes(bad).left(100) << QList<int>{} << unknown;
+        QTest::newRow("garbage") << 0 << QByteArray(3000, char(0xa5)) << QList<int>{} << unknown;
+        for (const int band : {0, 1})
+            for (const int cut : {4, 8, 11, 333, 1003, 1500})
+                QTest::addRow("%s, cut at %d", band ? "5 GHz" : "2.4 GHz", cut)
+                    << band << sweepBytes(band, -65).left(cut) << QList<int>{}
+                    << "main received a record cut short\n";
     }
-
-    void damagedStreamResynchronises()
+    void damageCostsOnlyTheDamagedRecord()
     {
+        QFETCH(int, band);
         QFETCH(QByteArray, damage);
         QFETCH(QList<int>, extraStored);
         QFETCH(QString, line);
-        const QList<int> after = {-41, -42, -43};
-        QByteArray stream = sweepBytes(-40) + damage;
-        for (int level : after)
-            stream += sweepBytes(level);
-        QCOMPARE(write(f.link, stream.constData(), size_t(stream.size())), ssize_t(stream.size()));
-        QString printed;
-        for (int i = 0; i < 12; ++i)
-            printed += tick().join(QString());
-        QCOMPARE(printed, line);
-        QCOMPARE(storedLevels(), QList<int>{-40} + extraStored + after);
-    }
-
-    // A sweep cut inside its levels, followed at once by the next record, in both bands: the cut
-    // sweep never reaches the store (its levels would be the next header's bytes: 101, 423,
-    // 108288, ...), so the maximum stays at what was sent; every whole sweep after it is stored.
-    void sweepCutInsideItsLevels_data()
-    {
-        QTest::addColumn<int>("band");
-        QTest::addColumn<int>("cut");
-        for (const int band : {0, 1})
-            for (const int cut : {8, 9, 10, 11, 100, 333, 1000, 1001, 1002, 1003, 1500})
-                QTest::addRow("%s, cut at %d", band ? "5 GHz" : "2.4 GHz", cut) << band << cut;
-    }
-    void sweepCutInsideItsLevels()
-    {
-        QFETCH(int, band);
-        QFETCH(int, cut);
         s_band = band, f.w->initData();
-        const wsa::Band& plan = wsa::handheldBand(band);
-        auto bytes = [&](int level, int n = SA_RECORD_SIZE) {
-            const stSweep r = wsatest::makeSweep(plan.grid.raw, level);
-            return QByteArray(reinterpret_cast<const char*>(&r), n);
-        };
-        const QByteArray stream = bytes(-60) + bytes(-65, cut) + bytes(-70) + bytes(-75);
+        const QList<int> after = {-61, -62, -63};
+        QByteArray stream = sweepBytes(band, -60) + damage;
+        for (int level : after)
+            stream += sweepBytes(band, level);
         QCOMPARE(write(f.link, stream.constData(), size_t(stream.size())), ssize_t(stream.size()));
         // The refresh timer may read the link while a paint is awaited: its lines count too.
         QString printed;
         printed += wsatest::captureStdout([&] {
-            for (int i = 0; i < 6; ++i) {
+            for (int i = 0; i < 12; ++i) {
                 printed += tick().join(QString());
                 QTRY_VERIFY(!bReceivedData); // each sweep's paint counts it
             }
         });
-        QCOMPARE(printed, QString("main received a record cut short\n"));
-        QCOMPARE(storedLevels(), QList<int>({-60, -70, -75}));
+        QCOMPARE(printed, line);
+        QCOMPARE(storedLevels(), QList<int>{-60} + extraStored + after);
         const int n = historyData[nLastIdx].num_samples;
         QCOMPARE(*std::max_element(maxData.data + 1, maxData.data + n), -60);
     }
 
-    // Garbage of random length and content between whole sweeps, in random pieces.
-    void randomGarbageBetweenRecords()
-    {
-        QRandomGenerator rng(20240611);
-        QList<int> sent;
-        for (int k = 0; k < 40; ++k) {
-            QByteArray garbage(int(rng.bounded(1, 5000)), Qt::Uninitialized);
-            for (char& c : garbage)
-                c = char(rng.bounded(256));
-            sent << -20 - k;
-            const QByteArray stream = garbage + sweepBytes(sent.last());
-            for (int at = 0; at < stream.size();) {
-                const int piece = qMin(int(rng.bounded(1, 6000)), int(stream.size()) - at);
-                QCOMPARE(write(f.link, stream.constData() + at, size_t(piece)), ssize_t(piece));
-                at += piece;
-                tick();
-            }
-            for (int i = 0; i < 4; ++i)
-                tick();
-        }
-        QCOMPARE(storedLevels(), sent);
-    }
-
-    // The engine's own damage knobs: a sweep cut in half, then a sweep claiming 5000 samples and
-    // a record of unknown type. Every sweep record the engine sends is stored: the whole ones,
-    // which its recording lists (sweeps it made while the analyzer was not reading yet are
-    // combined into one), and the half sweep, which bypasses the recording.
+    // The engine undamaged and with its own damage knobs: a sweep cut in half, then a sweep
+    // claiming 5000 samples and a record of unknown type. Every sweep record the engine sends is
+    // stored: the whole ones, which its recording lists (sweeps it made while the analyzer was not
+    // reading yet are combined into one), and the half sweep, which bypasses the recording.
     void realEngineDamage_data()
     {
         QTest::addColumn<QByteArray>("knob");
         QTest::addColumn<int>("unrecorded");
+        QTest::newRow("undamaged") << QByteArray() << 0;
         QTest::newRow("short") << QByteArrayLiteral("WSA_SIM_SHORT_AFTER") << 1;
         QTest::newRow("corrupt") << QByteArrayLiteral("WSA_SIM_CORRUPT_AFTER") << 0;
     }
@@ -295,14 +252,15 @@ private slots:
         QVERIFY(recordings.isValid());
         qputenv("WSA_ENGINE_PATH", WSA_ENGINE_BIN);
         qputenv("WSA_RECORD_DIR", QFile::encodeName(recordings.path()));
-        qputenv(knob.constData(), "6");
+        if (!knob.isEmpty())
+            qputenv(knob.constData(), "6");
         qputenv("WSA_SIM_SWEEPS", "12");
         qputenv("WSA_SIM_RATE", "4");
         qputenv("WSA_OUTPUT_RATE", "4");
         wsatest::answerModal(); // its Configured box
         f.w->RestartAppEngines();
-        for (const char* name : {knob.constData(), "WSA_SIM_SWEEPS", "WSA_SIM_RATE",
-                                 "WSA_OUTPUT_RATE", "WSA_RECORD_DIR"})
+        for (const char* name : {"WSA_SIM_SHORT_AFTER", "WSA_SIM_CORRUPT_AFTER", "WSA_SIM_SWEEPS",
+                                 "WSA_SIM_RATE", "WSA_OUTPUT_RATE", "WSA_RECORD_DIR"})
             qunsetenv(name);
         auto recorded = [&] {
             const QStringList files = QDir(recordings.path()).entryList({"*.csv"}, QDir::Files);
@@ -311,20 +269,11 @@ private slots:
             QFile file(recordings.filePath(files.first()));
             return file.open(QIODevice::ReadOnly) ? int(file.readAll().count('\n')) : -1;
         };
-        // Sweeps 7 .. 12 follow the damage one record each, at the analyzer's reading pace.
+        // Sweeps 7 .. 12 follow the sixth one record each, at the analyzer's reading pace.
         QTRY_VERIFY_WITH_TIMEOUT(recorded() >= 6 && nLastIdx + 1 == recorded() + unrecorded, 10000);
         QTest::qWait(600); // nothing more arrives
         const int n = recorded() + unrecorded;
         QCOMPARE(counts(), QList<int>({n - 1, n, 423, 423}));
-    }
-
-    void realEngineStoresSweeps()
-    {
-        qputenv("WSA_ENGINE_PATH", WSA_ENGINE_BIN);
-        wsatest::answerModal(); // its Configured box
-        f.w->RestartAppEngines();
-        QTRY_VERIFY_WITH_TIMEOUT(nLastIdx >= 8, 8000);
-        QCOMPARE(counts(), QList<int>({nLastIdx, nLastIdx + 1, 423, 423}));
     }
 };
 

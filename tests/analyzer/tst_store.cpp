@@ -138,6 +138,7 @@ private slots:
             QVERIFY2(lead == (sweep % 25 == 0 && sweep < 400) && !follow,
                      qPrintable(QString::number(sweep)));
         }
+        QCOMPARE(int(sweep_peak_max), 450);
     }
 };
 

@@ -453,33 +453,16 @@ private slots:
         QVERIFY(images[0] == images[1]);
     }
 
-    // A reset for a new recording shows all three views and empties the readout; the grid
-    // labels follow the new band's range at once, on the fast path as on the plain one.
-    void resetRedrawsForTheNewRange()
-    {
-        selectLayout(f.w, 0, ViewAll);
-        const QImage before = renderAnalyzer(f.w);
-        bPlanarView = false;
-        std::strcpy(strInspector[0], "Freq :  2420");
-        bPrevCurrent = true;
-        s_band = 1;
-        f.w->initData();
-        QVERIFY(isViewAll() && !bPrevCurrent && strInspector[0][0] == '\0' && nLastIdx == -1);
-        bReferencePainting = true;
-        const QImage plain = renderAnalyzer(f.w);
-        bReferencePainting = false;
-        QVERIFY(plain != before);
-        QVERIFY(renderAnalyzer(f.w) == plain);
-    }
-
     // The cache follows what it was rendered from without being told: a colour map or display
-    // range changed behind its back shows at the next fast frame as in the plain drawing.
+    // range changed behind its back shows at the next fast frame as in the plain drawing. A reset
+    // for a new recording shows all three views, empties the readout and relabels the grids for
+    // the new band's range at once.
     void cacheFollowsTheState_data()
     {
         QTest::addColumn<int>("change");
         QTest::newRow("colour map") << 0;
         QTest::newRow("display range") << 1;
-        QTest::newRow("store reset to the other band") << 2;
+        QTest::newRow("reset to the other band") << 2;
     }
     void cacheFollowsTheState()
     {
@@ -492,8 +475,13 @@ private slots:
                 std::reverse(std::begin(colormap), std::end(colormap));
             else if (change == 1)
                 nMaxDraw -= 20;
-            else
-                wsaResetStore(1, 0);
+            else {
+                bPlanarView = false, bPrevCurrent = true;
+                std::strcpy(strInspector[0], "Freq :  2420");
+                s_band = 1;
+                f.w->initData();
+                QVERIFY(isViewAll() && !bPrevCurrent && !strInspector[0][0] && nLastIdx == -1);
+            }
             const QImage fast = renderAnalyzer(f.w, format);
             bReferencePainting = true;
             const QImage plain = renderAnalyzer(f.w, format);
@@ -505,25 +493,16 @@ private slots:
     }
 
     // The diagnostic switch: any value but empty or "0" asks for the plain drawing.
-    void plainPaintingSwitch_data()
-    {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<bool>("plain");
-        QTest::newRow("unset") << QByteArray() << false;
-        QTest::newRow("0") << QByteArray("0") << false;
-        QTest::newRow("1") << QByteArray("1") << true;
-        QTest::newRow("yes") << QByteArray("yes") << true;
-    }
     void plainPaintingSwitch()
     {
-        QFETCH(QByteArray, value);
-        QFETCH(bool, plain);
         const QByteArray saved = qgetenv("WSA_PLAIN_PAINT");
-        if (value.isNull())
-            qunsetenv("WSA_PLAIN_PAINT");
-        else
-            qputenv("WSA_PLAIN_PAINT", value);
-        QCOMPARE(wsaPlainPaintingRequested(), plain);
+        const std::pair<QByteArray, bool> values[] = {
+            {{}, false}, {"0", false}, {"1", true}, {"yes", true}};
+        for (const auto& [value, plain] : values) {
+            value.isNull() ? void(qunsetenv("WSA_PLAIN_PAINT"))
+                           : void(qputenv("WSA_PLAIN_PAINT", value));
+            QVERIFY2(wsaPlainPaintingRequested() == plain, value.constData());
+        }
         qputenv("WSA_PLAIN_PAINT", saved);
     }
 };

@@ -20,38 +20,31 @@ private slots:
         QTest::addColumn<QString>("band");
         QTest::addColumn<int>("width");
         QTest::addColumn<int>("count");
-        QTest::addColumn<int>("first");
-        QTest::addColumn<double>("firstMHz");
-        QTest::addColumn<int>("last");
-        QTest::addColumn<double>("lastMHz");
-        QTest::newRow("2.4/20") << "2g4" << 20 << 14 << 1 << 2412.0 << 14 << 2484.0;
-        QTest::newRow("5/20") << "5g" << 20 << 28 << 36 << 5180.0 << 177 << 5885.0;
-        QTest::newRow("5/40") << "5g" << 40 << 14 << 38 << 5190.0 << 175 << 5875.0;
-        QTest::newRow("5/80") << "5g" << 80 << 7 << 42 << 5210.0 << 171 << 5855.0;
-        QTest::newRow("5/160") << "5g" << 160 << 3 << 50 << 5250.0 << 163 << 5815.0;
-        QTest::newRow("6/20") << "6g" << 20 << 59 << 1 << 5955.0 << 233 << 7115.0;
-        QTest::newRow("6/40") << "6g" << 40 << 29 << 3 << 5965.0 << 227 << 7085.0;
-        QTest::newRow("6/80") << "6g" << 80 << 14 << 7 << 5985.0 << 215 << 7025.0;
-        QTest::newRow("6/160") << "6g" << 160 << 7 << 15 << 6025.0 << 207 << 6985.0;
-        QTest::newRow("6/320") << "6g" << 320 << 6 << 31 << 6105.0 << 191 << 6905.0;
+        QTest::addColumn<QList<double>>("ends"); // number and centre of the first and the last
+        QTest::newRow("2.4/20") << "2g4" << 20 << 14 << QList<double>{1, 2412, 14, 2484};
+        QTest::newRow("5/20") << "5g" << 20 << 28 << QList<double>{36, 5180, 177, 5885};
+        QTest::newRow("5/40") << "5g" << 40 << 14 << QList<double>{38, 5190, 175, 5875};
+        QTest::newRow("5/80") << "5g" << 80 << 7 << QList<double>{42, 5210, 171, 5855};
+        QTest::newRow("5/160") << "5g" << 160 << 3 << QList<double>{50, 5250, 163, 5815};
+        QTest::newRow("6/20") << "6g" << 20 << 59 << QList<double>{1, 5955, 233, 7115};
+        QTest::newRow("6/40") << "6g" << 40 << 29 << QList<double>{3, 5965, 227, 7085};
+        QTest::newRow("6/80") << "6g" << 80 << 14 << QList<double>{7, 5985, 215, 7025};
+        QTest::newRow("6/160") << "6g" << 160 << 7 << QList<double>{15, 6025, 207, 6985};
+        QTest::newRow("6/320") << "6g" << 320 << 6 << QList<double>{31, 6105, 191, 6905};
     }
     void channelPlans()
     {
         QFETCH(QString, band);
         QFETCH(int, width);
         QFETCH(int, count);
-        QFETCH(int, first);
-        QFETCH(double, firstMHz);
-        QFETCH(int, last);
-        QFETCH(double, lastMHz);
+        QFETCH(QList<double>, ends);
         const Band* b = findBand(band.toStdString());
         QVERIFY(b);
         const std::vector<Channel>& ch = b->channels(width);
         QCOMPARE(int(ch.size()), count);
-        QCOMPARE(ch.front().number, first);
-        QCOMPARE(ch.front().centerMHz, firstMHz);
-        QCOMPARE(ch.back().number, last);
-        QCOMPARE(ch.back().centerMHz, lastMHz);
+        QCOMPARE(QList<double>({double(ch.front().number), ch.front().centerMHz,
+                                double(ch.back().number), ch.back().centerMHz}),
+                 ends);
         for (const Channel& c : ch) {
             QCOMPARE(c.widthMHz, width);
             // Every channel lies inside its band's nominal range where the plan is used whole.
@@ -78,7 +71,10 @@ private slots:
                     }
                     QVERIFY2(covered == width / 20,
                              qPrintable(QString("%1 channel %2 at %3 MHz covers %4 channels")
-                                            .arg(b.key).arg(c.number).arg(width).arg(covered)));
+                                            .arg(b.key)
+                                            .arg(c.number)
+                                            .arg(width)
+                                            .arg(covered)));
                     if (width != 320 && k > 0)
                         QVERIFY(ch[k - 1].highMHz() <= c.lowMHz() + 1e-9 || b.id == BandId::Ghz24);
                     QCOMPARE(b.channel(width, c.number), &ch[k]);
@@ -119,23 +115,11 @@ private slots:
         QCOMPARE(b6.handheld, nullptr);
     }
 
+    // What the handheld's views and readouts show of the mapping is checked on its screen; what
+    // they cannot show: the 5 GHz readout's upper end and a grid of no width.
     void handheldMapping()
     {
-        const HandheldMapping& m24 = *handheldBand(0).handheld;
         const HandheldMapping& m5 = *handheldBand(1).handheld;
-        QCOMPARE(m24.reducedCount(423), 423);
-        QCOMPARE(m5.reducedCount(1024), 452);
-        QCOMPARE(m5.reducedCount(120), 0);
-        QCOMPARE(m5.reducedCount(119), -1);
-        // Labels: 2410..2480 every 47 pixels, 5260..5760 every 65.
-        QCOMPARE(handheld::labelCount(m24, m24.gridWidth), 8);
-        QCOMPARE(handheld::labelMHz(m24, 1), 2410);
-        QCOMPARE(handheld::labelOffset(m24, 8), 376);
-        QCOMPARE(handheld::labelCount(m5, m5.gridWidth), 6);
-        QCOMPARE(handheld::labelMHz(m5, 6), 5760);
-        // The Inspector interpolates whole MHz and truncates.
-        QCOMPARE(handheld::inspectorMHz(m24, 0, m24.gridWidth), 2400);
-        QCOMPARE(handheld::inspectorMHz(m24, 211, m24.gridWidth), 2444);
         QCOMPARE(handheld::inspectorMHz(m5, 455, m5.gridWidth), 5835);
         QCOMPARE(handheld::inspectorMHz(m5, 10, 0), 5160);
     }
@@ -148,8 +132,6 @@ private slots:
         QCOMPARE(findBand(std::string("7g")), nullptr);
         QCOMPARE(checkedBand(5, "test"), nullptr);
         QCOMPARE(checkedBand(std::string("x"), "test"), nullptr);
-        QCOMPARE(handheldBand(2).id, BandId::Ghz24); // 6 GHz has no handheld screen
-        QCOMPARE(handheldBand(7).id, BandId::Ghz24);
         std::set<std::string> keys;
         for (const Band& b : allBands())
             QVERIFY(keys.insert(b.key).second);

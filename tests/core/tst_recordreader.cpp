@@ -67,35 +67,17 @@ class TestRecordReader : public QObject
     Q_OBJECT
 
 private slots:
-    void wholeRecordsInAnyPieces_data()
+    // Whole records of every kind pass unchanged; each damaged stretch costs the damaged bytes
+    // only and is reported once; in pieces of any size.
+    void stream_data()
     {
-        QTest::addColumn<std::vector<int>>("pieces");
-        QTest::newRow("one record at a time") << std::vector<int>{SA_RECORD_SIZE};
-        QTest::newRow("single bytes") << std::vector<int>{1};
-        QTest::newRow("across boundaries") << std::vector<int>{7, 4100, 3, 9000, 1};
-        QTest::newRow("header split") << std::vector<int>{5, 4099};
-    }
-    void wholeRecordsInAnyPieces()
-    {
-        QFETCH(std::vector<int>, pieces);
-        Collector c;
-        const QByteArray configured = recordBytes(SA_MSG_CONFIGURED, 423, 2400);
-        const QByteArray stream = sweep(-40) + configured + sweep(-41, SA_MAX_SAMPLES) +
-                                  sweep(-42, 0) + recordBytes(SA_MSG_DISCONNECT, 0, 0);
-        c.feed(stream, pieces);
-        QCOMPARE(c.levels, QList<int>({-40, -SA_MSG_CONFIGURED, -41, 0, -SA_MSG_DISCONNECT}));
-        QCOMPARE(c.records.value(1), configured);
-        QCOMPARE(c.records.value(2), sweep(-41, SA_MAX_SAMPLES));
-        QVERIFY(c.damage.isEmpty());
-        QCOMPARE(c.reader.pendingBytes(), size_t(0));
-    }
-
-    // Each damaged stretch costs the damaged bytes only and is reported once.
-    void damage_data()
-    {
-        QTest::addColumn<QByteArray>("damage");
-        QTest::addColumn<QList<int>>("extra"); // what the damage itself hands on
+        QTest::addColumn<QByteArray>("middle");
+        QTest::addColumn<QList<int>>("extra"); // what the middle itself hands on
         QTest::addColumn<QString>("report");
+        QTest::newRow("whole records")
+            << recordBytes(SA_MSG_CONFIGURED, 423, 2400) + sweep(-50, SA_MAX_SAMPLES) +
+                   sweep(-51, 0) + recordBytes(SA_MSG_DISCONNECT, 0, 0)
+            << QList<int>({-SA_MSG_CONFIGURED, -50, 0, -SA_MSG_DISCONNECT}) << "";
         QTest::newRow("unknown type")
             << recordBytes('z', 423, -70) << QList<int>{} << "unknown type 122 423";
         QTest::newRow("sweep count above the record")
@@ -117,16 +99,24 @@ private slots:
         QTest::newRow("stray bytes")
             << QByteArray("\x01\x02", 2) << QList<int>{} << "unknown type 1 27721728";
     }
-    void damage()
+    void stream()
     {
-        QFETCH(QByteArray, damage);
+        QFETCH(QByteArray, middle);
         QFETCH(QList<int>, extra);
         QFETCH(QString, report);
-        Collector c;
-        c.feed(sweep(-40) + damage + sweep(-41) + sweep(-42) + sweep(-43), {1000, 1, 4104});
-        QCOMPARE(c.levels, QList<int>{-40} + extra + QList<int>({-41, -42, -43}));
-        QCOMPARE(c.damage, report.isEmpty() ? QStringList() : QStringList(report));
-        QVERIFY(!c.reader.resynchronising());
+        const std::vector<int> splits[] = {
+            {SA_RECORD_SIZE}, {1}, {1000, 1, 4104}, {7, 4100, 3, 9000, 1}, {5, 4099}};
+        for (const std::vector<int>& pieces : splits) {
+            Collector c;
+            c.feed(sweep(-40) + middle + sweep(-41) + sweep(-42) + sweep(-43), pieces);
+            QCOMPARE(c.levels, QList<int>{-40} + extra + QList<int>({-41, -42, -43}));
+            QCOMPARE(c.damage, report.isEmpty() ? QStringList() : QStringList(report));
+            QVERIFY(!c.reader.resynchronising());
+            QCOMPARE(c.reader.pendingBytes(), size_t(0));
+            // Whole records come out byte for byte.
+            for (int k = 0; middle.size() % SA_RECORD_SIZE == 0 && k < extra.size(); ++k)
+                QCOMPARE(c.records.value(1 + k), middle.mid(k * SA_RECORD_SIZE, SA_RECORD_SIZE));
+        }
     }
 
     // A sweep cut inside its levels is followed at once by the next record, whose header lands
@@ -224,20 +214,6 @@ private slots:
         a.feed(sweep(-51));
         QCOMPARE(a.levels, QList<int>({-50, -51}));
         QCOMPARE(a.reader.pendingBytes(), size_t(0));
-    }
-
-    // The descriptor path: bytes placed straight into the reader's space.
-    void spaceAndAppended()
-    {
-        Collector c;
-        const QByteArray s = sweep(-33);
-        QCOMPARE(c.reader.missing(), size_t(SA_RECORD_SIZE));
-        std::memcpy(c.reader.space(), s.constData(), 1000);
-        c.reader.appended(1000);
-        QCOMPARE(c.reader.missing(), size_t(SA_RECORD_SIZE - 1000));
-        std::memcpy(c.reader.space(), s.constData() + 1000, SA_RECORD_SIZE - 1000);
-        c.reader.appended(SA_RECORD_SIZE - 1000);
-        QCOMPARE(c.levels, QList<int>{-33});
     }
 };
 
