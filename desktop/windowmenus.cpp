@@ -67,6 +67,7 @@ QMenu* InstrumentWindow::createFileMenu()
     QAction* csv = menu->addAction(tr("Export &traces (CSV)..."));
     csv->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
     connect(csv, &QAction::triggered, this, [this] { askAndExport(false); });
+    addReportAction(menu);
     menu->addSeparator();
     QAction* quit = menu->addAction(tr("&Quit"));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -103,6 +104,7 @@ QMenu* InstrumentWindow::createViewMenu()
     QAction* whole = menu->addAction(tr("Whole &band"));
     whole->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_0));
     connect(whole, &QAction::triggered, this, [this] { setSpan(0, 0); });
+    addAnalysisViewActions(menu);
     menu->addSeparator();
     QAction* full = menu->addAction(tr("&Full screen"));
     full->setShortcut(QKeySequence(Qt::Key_F11));

@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <algorithm>
 
 #include "colormap.h"
 #include "markers.h"
@@ -69,9 +70,49 @@ void SpectrumView::paintLegend(QPainter& p, const QRectF& legend)
     }
 }
 
+void SpectrumView::setEmitterMarks(std::vector<EmitterMark> marks)
+{
+    m_emitterMarks = std::move(marks);
+    update();
+}
+
+void SpectrumView::paintEmitterMarks(QPainter& p, const PlotLayout& l, const Axis& a)
+{
+    // Overlapping emitters (Bluetooth hopping across a Wi-Fi channel) take lanes downwards.
+    constexpr int kLanes = 3;
+    const QFontMetricsF fm(p.font());
+    const double laneHeight = std::ceil(fm.height()) + 6;
+    double laneEnd[kLanes] = {-1e9, -1e9, -1e9};
+    std::vector<const EmitterMark*> order;
+    for (const EmitterMark& m : m_emitterMarks)
+        order.push_back(&m);
+    std::sort(order.begin(), order.end(),
+              [](const EmitterMark* x, const EmitterMark* y) { return x->lowHz < y->lowHz; });
+    p.setPen(QPen(colors::emitter(), 0));
+    for (const EmitterMark* m : order) {
+        const double x0 = std::max(a.columnOfHz(m->lowHz), l.plot.left());
+        const double x1 = std::min(a.columnOfHz(m->highHz), l.plot.right());
+        if (!(x0 <= x1))
+            continue; // outside the span shown, or nonsense
+        int lane = 0;
+        while (lane < kLanes - 1 && x0 <= laneEnd[lane] + 2)
+            ++lane;
+        laneEnd[lane] = std::max(laneEnd[lane], x1);
+        // Half a pixel in, so that the lines fill whole device pixels at ratio 1.
+        const double y = std::floor(l.plot.top() + 2 + lane * laneHeight) + 0.5;
+        p.drawLine(QPointF(x0, y), QPointF(x1, y));
+        p.drawLine(QPointF(x0, y), QPointF(x0, y + 5));
+        p.drawLine(QPointF(x1, y), QPointF(x1, y + 5));
+        const QString text = fm.elidedText(m->label, Qt::ElideRight, x1 - x0 - 4);
+        if (!text.isEmpty())
+            p.drawText(QRectF(x0 + 2, y + 1, x1 - x0 - 4, fm.height()), Qt::AlignCenter, text);
+    }
+}
+
 void SpectrumView::paintForeground(QPainter& p, const PlotLayout& l)
 {
     const Axis a = axisFor(l);
+    paintEmitterMarks(p, l, a);
     const QFontMetricsF fm(p.font());
     p.setRenderHint(QPainter::Antialiasing);
     for (int i = 0; i < Markers::kCount; ++i) {
