@@ -37,6 +37,9 @@ void InstrumentWindow::createAnalysisDocks()
     };
     dock(m_channelDock, tr("Channels"), "channels", m_channelTable);
     dock(m_emitterDock, tr("Emitters"), "emitters", m_emitterList);
+    // One table at a time leaves the views their room and paints half the cells.
+    tabifyDockWidget(m_channelDock, m_emitterDock);
+    m_channelDock->raise();
     connect(m_analysis, &AnalysisModel::changed, this, &InstrumentWindow::updateEmitterMarks);
     // What the analysis said of one band means nothing on another.
     m_analysisBand = &m_feed->shown().band();

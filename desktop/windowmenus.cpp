@@ -54,6 +54,7 @@ QString InstrumentWindow::keysAndMouse()
         "<tr><td>Ctrl+R</td><td>reset average, maximum and minimum</td></tr>"
         "<tr><td>Ctrl+1 to Ctrl+4</td><td>all views, spectrum, density, waterfall</td></tr>"
         "<tr><td>Ctrl+S, Ctrl+Shift+S</td><td>export the picture, the traces</td></tr>"
+        "<tr><td>Ctrl+P</td><td>save a report: picture, markers, channels, emitters</td></tr>"
         "<tr><td>F11, Ctrl+Q</td><td>full screen, quit</td></tr>"
         "</table>");
 }

@@ -122,7 +122,8 @@ bool AnalysisModel::takeJson(const QByteArray& json)
     if (error.error != QJsonParseError::NoError || !doc.isObject() ||
         o.value(QLatin1String("type")).toString() != QLatin1String("analysis"))
         return false;
-    m_seconds = std::max(0.0, std::isnan(number(o, "seconds")) ? 0.0 : number(o, "seconds"));
+    const double seconds = number(o, "seconds", 0);
+    m_seconds = std::isnan(seconds) ? 0 : seconds;
     m_sweeps = whole(o, "sweeps", 0, qint64(1) << 52, 0);
     m_noiseFloorDbm = number(o, "noise_floor_dbm", -300, 100);
     m_channels.clear();

@@ -45,13 +45,29 @@ private:
     void buildPaths();
     void placeActive(double x);
     int markerNear(double x) const;
+    void placeEmitterMarks(const PlotLayout& l, const Axis& a, const QFontMetricsF& fm);
     void paintEmitterMarks(QPainter& p, const PlotLayout& l, const Axis& a);
 
     Markers* m_markers;
     PlotLayout m_layout;
     qreal m_dpr = 1;
     QPolygonF m_paths[kTraceCount];
-    std::vector<EmitterMark> m_emitterMarks;
+    std::vector<EmitterMark> m_emitterMarks; // by lower edge
+    struct PlacedMark {
+        double x0, x1, y;
+        QString text;
+    };
+    struct PlacedKey {
+        QRectF plot;
+        double lowHz = 0, highHz = 0, fontHeight = 0;
+        bool operator==(const PlacedKey& o) const
+        {
+            return plot == o.plot && lowHz == o.lowHz && highHz == o.highHz &&
+                   fontHeight == o.fontHeight;
+        }
+    };
+    std::vector<PlacedMark> m_placed;
+    PlacedKey m_placedFor;
 };
 
 } // namespace wsa::desktop
