@@ -107,7 +107,7 @@ public:
 
     // Counts one sweep of n levels (dBm) into every statistic and notifies the observers. Levels
     // past the store's bins are ignored; bins past n keep their traces and take no density.
-    // A level that is not a number counts as the lowest a receiver reports.
+    // A level that is not a number counts as config().missingDbm.
     // `stamp` is kept with the sweep's waterfall row (the caller's clock, e.g. milliseconds).
     void addSweep(const float* levels, int n, std::int64_t stamp = 0);
     void addSweep(const int* levels, int n, std::int64_t stamp = 0);

@@ -29,9 +29,16 @@ void ChannelTableModel::setWidth(int widthMHz)
 
 void ChannelTableModel::reload()
 {
-    beginResetModel();
-    m_rows = m_analysis->channels(m_width);
+    QVector<ChannelRow> rows = m_analysis->channels(m_width);
     m_freest = m_analysis->freestChannel(m_width);
+    // A new analysis of the same channels only changes values: the view keeps its scroll place.
+    if (rows.size() == m_rows.size() && !rows.isEmpty()) {
+        m_rows = std::move(rows);
+        emit dataChanged(index(0, 0), index(int(m_rows.size()) - 1, ColumnCount - 1));
+        return;
+    }
+    beginResetModel();
+    m_rows = std::move(rows);
     endResetModel();
 }
 

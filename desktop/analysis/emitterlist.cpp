@@ -1,6 +1,7 @@
 #include "emitterlist.h"
 
 #include <QFont>
+#include <algorithm>
 #include <QHeaderView>
 
 #include "channeltable.h"
@@ -25,8 +26,18 @@ EmitterTableModel::EmitterTableModel(const AnalysisModel* analysis, QObject* par
 
 void EmitterTableModel::reload()
 {
+    // The same emitters in the same order (the usual case, once a second): values only.
+    const QVector<EmitterRow>& rows = m_analysis->emitters();
+    const bool same = rows.size() == m_rows.size() && !rows.isEmpty() &&
+                      std::equal(rows.begin(), rows.end(), m_rows.begin(),
+                                 [](const EmitterRow& a, const EmitterRow& b) { return a.id == b.id; });
+    if (same) {
+        m_rows = rows;
+        emit dataChanged(index(0, 0), index(int(m_rows.size()) - 1, ColumnCount - 1));
+        return;
+    }
     beginResetModel();
-    m_rows = m_analysis->emitters();
+    m_rows = rows;
     endResetModel();
 }
 

@@ -7,6 +7,7 @@
 
 #include "sweepmodel.h"
 
+// The core header of the same name as the views' interface beside this one.
 #include "../../core/sweepmodel.h"
 
 namespace wsa::desktop

@@ -144,6 +144,14 @@ private slots:
                      qPrintable(QStringLiteral("%1 of %2").arg(painted).arg(cell.width())));
         }
 
+        // A later analysis of the same channels updates the rows in place.
+        QSignalSpy reset(model, &QAbstractItemModel::modelReset);
+        QByteArray busier = kKnown;
+        m.takeJson(busier.replace(R"("occupancy":0.25)", R"("occupancy":0.95)"));
+        QCOMPARE(reset.count(), 0);
+        QCOMPARE(text(0, ChannelTableModel::Occupancy), QStringLiteral("95 %"));
+        QCOMPARE(model->freestRow(), 1);
+
         table.setWidth(40);
         QCOMPARE(model->rowCount(), 1);
         QCOMPARE(text(0, 0), QStringLiteral("3"));
