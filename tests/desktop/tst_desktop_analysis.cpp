@@ -1,6 +1,7 @@
 // The analysis in the window: the engine's JSON object read into channels per width and emitters
 // (hostile text ignored), the channel table's rows and drawn bars, the emitter list's ended rows
 // and tooltips, and each active emitter's bracket over the columns its frequencies map to.
+#include <QAction>
 #include <QtTest>
 
 #include "analysismodel.h"
@@ -211,6 +212,18 @@ private slots:
             }
             QVERIFY(std::abs(left - view.axis().columnOfHz(2427e6)) <= 1);
             QVERIFY(std::abs(right - view.axis().columnOfHz(2447e6)) <= 1);
+        }
+        // The View menu shows and hides the docks.
+        w.show();
+        for (QWidget* table : {static_cast<QWidget*>(w.channelTable()),
+                               static_cast<QWidget*>(w.emitterList())}) {
+            QAction* toggle = nullptr;
+            for (QAction* a : w.findChildren<QAction*>())
+                if (a->text() == table->parentWidget()->windowTitle())
+                    toggle = a;
+            QVERIFY(toggle && toggle->isChecked());
+            toggle->trigger();
+            QVERIFY(!table->parentWidget()->isVisibleTo(&w));
         }
         // A band change drops what the analysis said.
         feed.configure(*wsa::findBand(wsa::BandId::Ghz5));
