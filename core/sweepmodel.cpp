@@ -95,7 +95,7 @@ int densityRowsOf(const SweepStoreConfig& c)
 float receivable(float level, float missing = kLowestLevelDbm)
 {
     if (std::isnan(level))
-        level = missing;
+        return missing;
     return clampLevel(level, float(kLowestLevelDbm), float(kHighestLevelDbm));
 }
 
@@ -281,9 +281,10 @@ template <class T> void SweepStore::count(const T* levels, int n, std::int64_t s
         std::fill(history + used, history + bins(), float(kLowestLevelDbm));
     }
     const float lo = float(kLowestLevelDbm), hi = float(kHighestLevelDbm);
+    const float missing = clampLevel(m_config.missingDbm, lo, hi);
     const std::size_t rowStride = size_t(bins());
     for (int i = 0; i < used; ++i) {
-        const float v = receivable(levels[i], m_config.missingDbm);
+        const float v = receivable(levels[i], missing);
         m_current[size_t(i)] = v;
         float& average = m_average[size_t(i)];
         average = m_holdSweeps == 1 ? v : average + (v - average) * weight;
