@@ -1,6 +1,7 @@
 // Prints the cost of painting the desktop instrument window at 1920 x 1080 with a full state:
-// every row of the waterfall filled and a density table of over a thousand sweeps, per band and
-// device pixel ratio, into a 32-bit (ARGB32 premultiplied) image.
+// every row of the waterfall filled, a density table of over a thousand sweeps, and an analysis
+// of every channel and a dozen emitters, per band and device pixel ratio, into a 32-bit (ARGB32
+// premultiplied) image.
 //
 // Without a display the offscreen platform is used. --png DIR also saves each band's picture.
 #include <QApplication>
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "analysismodel.h"
 #include "benchsupport.h"
 #include "desktoptestsupport.h"
 #include "densityview.h"
@@ -33,6 +35,43 @@ void renderDataAreas(InstrumentWindow& w, QImage& target)
     }
 }
 
+// An analysis object as the engine sends it: every channel of every width, and emitters on the
+// first channels of 20 MHz, the older half ended.
+QByteArray analysisOf(const wsa::Band& band)
+{
+    QByteArray channels, emitters;
+    int k = 0;
+    for (int width : band.widthsMHz) {
+        for (const wsa::Channel& c : band.channels(width)) {
+            channels += QStringLiteral("%1{\"type\":\"channel\",\"channel\":%2,\"width_mhz\":%3,"
+                                       "\"center_mhz\":%4,\"occupancy\":%5,\"mean_dbm\":-80.5,"
+                                       "\"max_dbm\":-45.0}")
+                            .arg(channels.isEmpty() ? "" : ",")
+                            .arg(c.number)
+                            .arg(width)
+                            .arg(c.centerMHz)
+                            .arg((k++ % 10) / 10.0)
+                            .toUtf8();
+        }
+    }
+    const auto& twenty = band.channels(band.widthsMHz.front());
+    for (int e = 0; e < 12 && e < int(twenty.size()); ++e) {
+        emitters += QStringLiteral("%1{\"type\":\"emitter\",\"id\":%2,\"kind\":\"wifi-ofdm\","
+                                   "\"center_mhz\":%3,\"width_mhz\":18,\"channel\":%4,"
+                                   "\"first_s\":1.5,\"last_s\":60.0,\"duty\":0.3,"
+                                   "\"peak_dbm\":-50,\"confidence\":0.9,\"active\":%5,"
+                                   "\"features\":{\"flatness\":0.9}}")
+                        .arg(emitters.isEmpty() ? "" : ",")
+                        .arg(e)
+                        .arg(twenty[std::size_t(e)].centerMHz)
+                        .arg(twenty[std::size_t(e)].number)
+                        .arg(e >= 6 ? "true" : "false")
+                        .toUtf8();
+    }
+    return "{\"type\":\"analysis\",\"seconds\":60,\"sweeps\":1100,\"noise_floor_dbm\":-95,"
+           "\"channels\":[" + channels + "],\"emitters\":[" + emitters + "]}";
+}
+
 void benchBand(const wsa::Band& band, qreal dpr, const QString& pngDir)
 {
     SweepFeed feed(band, 1024);
@@ -45,6 +84,8 @@ void benchBand(const wsa::Band& band, qreal dpr, const QString& pngDir)
     w.markers()->toHighest(0, feed.shown());
     w.markers()->setTrace(1, Trace::Maximum);
     w.markers()->toNextRight(1, feed.shown());
+    if (!w.analysis()->takeJson(analysisOf(band)))
+        std::printf("the analysis object was refused\n");
 
     QImage target((QSizeF(1920, 1080) * dpr).toSize(), QImage::Format_ARGB32_Premultiplied);
     target.setDevicePixelRatio(dpr);

@@ -92,14 +92,14 @@ int densityRowsOf(const SweepStoreConfig& c)
     return int(std::ceil((c.maxDbm - c.minDbm) / c.densityStepDb)) + 1;
 }
 
-float receivable(float level)
+float receivable(float level, float missing = kLowestLevelDbm)
 {
     if (std::isnan(level))
-        return kLowestLevelDbm;
+        return missing;
     return clampLevel(level, float(kLowestLevelDbm), float(kHighestLevelDbm));
 }
 
-float receivable(int level)
+float receivable(int level, float = kLowestLevelDbm)
 {
     return float(clampLevel(level, int(kLowestLevelDbm), int(kHighestLevelDbm)));
 }
@@ -115,7 +115,7 @@ bool SweepStore::valid(const SweepStoreConfig& c)
 {
     const bool finite =
         std::isfinite(c.minDbm) && std::isfinite(c.maxDbm) && std::isfinite(c.densityStepDb);
-    return finite && c.bins >= 1 && c.bins <= kMaxBins && c.minDbm < c.maxDbm &&
+    return finite && std::isfinite(c.missingDbm) && c.bins >= 1 && c.bins <= kMaxBins && c.minDbm < c.maxDbm &&
            c.densityStepDb > 0 && densityRowsOf(c) <= kMaxDensityRows && c.historyRows >= 0 &&
            c.historyRows <= kMaxHistory && (long long)c.historyRows * c.bins <= kMaxHistoryCells &&
            c.averaging >= 0;
@@ -131,17 +131,25 @@ bool SweepStore::configure(const SweepStoreConfig& config)
     m_max.assign(bins, 0);
     m_min.assign(bins, 0);
     m_history.assign(bins * size_t(m_config.historyRows), 0);
+    m_historyStamps.assign(size_t(m_config.historyRows), 0);
     m_densityRows = ok ? densityRowsOf(m_config) : 0;
     m_density.assign(bins * size_t(m_densityRows), 0);
     clear();
     return ok;
 }
 
+void SweepStore::resetDensity()
+{
+    std::fill(m_density.begin(), m_density.end(), 0u);
+    m_densityPeak = 0;
+    m_densitySweeps = 0;
+    ++m_generation;
+}
+
 void SweepStore::clear()
 {
     std::fill(m_current.begin(), m_current.end(), float(kLowestLevelDbm));
-    std::fill(m_density.begin(), m_density.end(), 0u);
-    m_densityPeak = 0;
+    resetDensity();
     m_historyNewest = -1;
     m_historyCount = 0;
     m_sweeps = 0;
@@ -173,6 +181,7 @@ bool SweepStore::setDisplayRange(float minDbm, float maxDbm)
     m_densityRows = densityRowsOf(c);
     m_density.assign(size_t(c.bins) * size_t(m_densityRows), 0);
     m_densityPeak = 0;
+    m_densitySweeps = 0;
     ++m_generation;
     return true;
 }
@@ -189,35 +198,76 @@ std::uint32_t SweepStore::density(int bin, int row) const
 {
     if (bin < 0 || bin >= bins() || row < 0 || row >= m_densityRows)
         return 0;
-    return m_density[size_t(bin) * size_t(m_densityRows) + size_t(row)];
+    return m_density[size_t(row) * size_t(bins()) + size_t(bin)];
+}
+
+const std::uint32_t* SweepStore::densityCells(int row) const
+{
+    if (row < 0 || row >= m_densityRows)
+        return nullptr;
+    return m_density.data() + size_t(row) * size_t(bins());
+}
+
+int SweepStore::historySlot(int age) const
+{
+    if (age < 0 || age >= m_historyCount)
+        return -1;
+    const int rows = m_config.historyRows;
+    return (m_historyNewest - age + rows) % rows;
 }
 
 const float* SweepStore::historyRow(int age) const
 {
-    if (age < 0 || age >= m_historyCount)
-        return nullptr;
-    const int rows = m_config.historyRows;
-    const int row = (m_historyNewest - age + rows) % rows;
-    return m_history.data() + size_t(row) * size_t(bins());
+    const int row = historySlot(age);
+    return row < 0 ? nullptr : m_history.data() + size_t(row) * size_t(bins());
 }
 
-void SweepStore::addSweep(const float* levels, int n)
+std::int64_t SweepStore::historyStamp(int age) const
 {
-    count(levels, n);
+    const int row = historySlot(age);
+    return row < 0 ? 0 : m_historyStamps[size_t(row)];
 }
 
-void SweepStore::addSweep(const int* levels, int n)
+SweepStore SweepStore::snapshot() const
 {
-    count(levels, n);
+    SweepStore copy(SweepStoreConfig{});
+    copy.m_config = m_config;
+    copy.m_current = m_current;
+    copy.m_average = m_average;
+    copy.m_max = m_max;
+    copy.m_min = m_min;
+    copy.m_history = m_history;
+    copy.m_historyStamps = m_historyStamps;
+    copy.m_density = m_density;
+    copy.m_densityRows = m_densityRows;
+    copy.m_densityPeak = m_densityPeak;
+    copy.m_densitySweeps = m_densitySweeps;
+    copy.m_historyNewest = m_historyNewest;
+    copy.m_historyCount = m_historyCount;
+    copy.m_sweeps = m_sweeps;
+    copy.m_holdSweeps = m_holdSweeps;
+    copy.m_generation = m_generation;
+    return copy;
 }
 
-template <class T> void SweepStore::count(const T* levels, int n)
+void SweepStore::addSweep(const float* levels, int n, std::int64_t stamp)
+{
+    count(levels, n, stamp);
+}
+
+void SweepStore::addSweep(const int* levels, int n, std::int64_t stamp)
+{
+    count(levels, n, stamp);
+}
+
+template <class T> void SweepStore::count(const T* levels, int n, std::int64_t stamp)
 {
     if (bins() == 0)
         return;
     const int used = levels ? std::clamp(n, 0, bins()) : 0;
     ++m_sweeps;
     ++m_holdSweeps;
+    ++m_densitySweeps;
     const long long window = m_config.averaging > 0
                                  ? std::min<long long>(m_holdSweeps, m_config.averaging)
                                  : m_holdSweeps;
@@ -227,16 +277,19 @@ template <class T> void SweepStore::count(const T* levels, int n)
         m_historyNewest = (m_historyNewest + 1) % m_config.historyRows;
         m_historyCount = std::min(m_historyCount + 1, m_config.historyRows);
         history = m_history.data() + size_t(m_historyNewest) * size_t(bins());
+        m_historyStamps[size_t(m_historyNewest)] = stamp;
         std::fill(history + used, history + bins(), float(kLowestLevelDbm));
     }
     const float lo = float(kLowestLevelDbm), hi = float(kHighestLevelDbm);
+    const float missing = clampLevel(m_config.missingDbm, lo, hi);
+    const std::size_t rowStride = size_t(bins());
     for (int i = 0; i < used; ++i) {
-        const float v = receivable(levels[i]);
+        const float v = receivable(levels[i], missing);
         m_current[size_t(i)] = v;
         float& average = m_average[size_t(i)];
         average = m_holdSweeps == 1 ? v : average + (v - average) * weight;
         holdExtremes(v, m_max[size_t(i)], m_min[size_t(i)], lo, hi);
-        std::uint32_t& cell = m_density[size_t(i) * size_t(m_densityRows) + size_t(densityRow(v))];
+        std::uint32_t& cell = m_density[size_t(densityRow(v)) * rowStride + size_t(i)];
         raiseDensityPeak(long(++cell), m_densityPeak);
         if (history)
             history[i] = v;

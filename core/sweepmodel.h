@@ -80,6 +80,9 @@ struct SweepStoreConfig {
     int historyRows = 0;     // waterfall length in sweeps, 0 .. kMaxHistory
     int averaging = 0;       // sweeps in the running average; 0 averages everything since reset
     float densityStepDb = 1; // height of one density row
+    // Counted for a level that is not a number: a front-end may prefer its band's floor to the
+    // lowest level a receiver reports.
+    float missingDbm = kLowestLevelDbm;
 };
 
 // Everything a front-end shows of a stream of sweeps: current, average, max and min traces, the
@@ -104,12 +107,15 @@ public:
 
     // Counts one sweep of n levels (dBm) into every statistic and notifies the observers. Levels
     // past the store's bins are ignored; bins past n keep their traces and take no density.
-    // A level that is not a number counts as the lowest a receiver reports.
-    void addSweep(const float* levels, int n);
-    void addSweep(const int* levels, int n);
+    // A level that is not a number counts as config().missingDbm.
+    // `stamp` is kept with the sweep's waterfall row (the caller's clock, e.g. milliseconds).
+    void addSweep(const float* levels, int n, std::int64_t stamp = 0);
+    void addSweep(const int* levels, int n, std::int64_t stamp = 0);
 
     // Drops max, min and average (the holds start again from the next sweep).
     void resetHolds();
+    // Drops the density (the holds, traces and waterfall stay).
+    void resetDensity();
     // Drops everything counted.
     void clear();
     void setAveraging(int sweeps);
@@ -124,6 +130,8 @@ public:
     const float* maxHold() const { return m_max.data(); }
     const float* minHold() const { return m_min.data(); }
     bool hasTraces() const { return m_sweeps > 0; }
+    // Sweeps in max, min and average since their reset: 0 means the holds hold nothing yet.
+    long long holdSweeps() const { return m_holdSweeps; }
 
     int densityRows() const { return m_densityRows; }
     // Sweeps whose level at `bin` fell into density row `row` (0 = minDbm).
@@ -131,10 +139,20 @@ public:
     long densityPeak() const { return m_densityPeak; }
     // The density row of a level (clamped into the display range).
     int densityRow(float level) const;
+    // The bins() counts of one density row, for painting a row at a time; null out of range.
+    const std::uint32_t* densityCells(int row) const;
+    // Sweeps counted into the density since it was last dropped.
+    long long densitySweeps() const { return m_densitySweeps; }
 
     // Waterfall: row 0 is the newest sweep; historyCount() rows are held.
     int historyCount() const { return m_historyCount; }
     const float* historyRow(int age) const;
+    // The stamp given with that row's sweep; 0 out of range.
+    std::int64_t historyStamp(int age) const;
+
+    // A copy of everything counted, without the observers: a picture that later sweeps to this
+    // store do not touch.
+    SweepStore snapshot() const;
 
     // Changes with every sweep counted and every reset or reconfiguration: a painter that keeps
     // a picture of the store compares it to know whether the picture is current.
@@ -146,15 +164,18 @@ public:
     void unsubscribe(int id);
 
 private:
-    template <class T> void count(const T* levels, int n);
+    template <class T> void count(const T* levels, int n, std::int64_t stamp);
+    int historySlot(int age) const;
     void notify();
 
     SweepStoreConfig m_config;
     std::vector<float> m_current, m_average, m_max, m_min;
     std::vector<float> m_history;         // historyRows x bins, a ring
-    std::vector<std::uint32_t> m_density; // bins x densityRows
+    std::vector<std::int64_t> m_historyStamps;
+    std::vector<std::uint32_t> m_density; // densityRows x bins, row-major
     int m_densityRows = 0;
     long m_densityPeak = 0;
+    long long m_densitySweeps = 0;
     int m_historyNewest = -1;
     int m_historyCount = 0;
     long long m_sweeps = 0;

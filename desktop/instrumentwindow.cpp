@@ -52,6 +52,7 @@ InstrumentWindow::InstrumentWindow(SweepFeed* feed, QWidget* parent)
     tableDock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
     addDockWidget(Qt::BottomDockWidgetArea, tableDock);
 
+    createAnalysisDocks();
     connectControls();
     createMenus();
     createStatusBar();
@@ -122,6 +123,7 @@ void InstrumentWindow::setSettings(const DisplaySettings& s)
                         static_cast<PlotView*>(m_waterfall)})
         v->setSettings(s);
     m_table->setChannelWidth(s.channelWidthMHz);
+    setAnalysisWidth(s.channelWidthMHz);
 }
 
 void InstrumentWindow::setSpan(double lowHz, double highHz)

@@ -8,7 +8,9 @@
 
 #include "controlpanel.h"
 #include "plotframe.h"
+#include "report.h"
 
+class QDockWidget;
 class QLabel;
 class QTimer;
 class QMenu;
@@ -18,7 +20,10 @@ class QSplitter;
 namespace wsa::desktop
 {
 
+class AnalysisModel;
+class ChannelTable;
 class DensityView;
+class EmitterList;
 class MarkerTable;
 class Markers;
 class SpectrumView;
@@ -89,6 +94,36 @@ private:
     QTimer* m_statusTimer = nullptr;
     quint64 m_lastCount = 0;
     qint64 m_lastCountMs = 0;
+
+    // ---- The analysis: channel and emitter docks, emitter marks, the report (windowanalysis.cpp)
+public:
+    AnalysisModel* analysis() const { return m_analysis; }
+    ChannelTable* channelTable() const { return m_channelTable; }
+    EmitterList* emitterList() const { return m_emitterList; }
+    // Everything the report shows, as the window shows it now.
+    ReportContent reportContent() const;
+    bool saveReport(const QString& path, QString* error);
+
+public slots:
+    // The source the sweeps come from, as the report names it.
+    void setSourceName(const QString& name) { m_sourceName = name; }
+
+private:
+    void createAnalysisDocks();
+    void addReportAction(QMenu* file);
+    void addAnalysisViewActions(QMenu* view);
+    void updateEmitterMarks();
+    // The channel table shows the channels of the overlay's width.
+    void setAnalysisWidth(int widthMHz);
+    void askAndSaveReport();
+
+    AnalysisModel* m_analysis = nullptr;
+    ChannelTable* m_channelTable = nullptr;
+    EmitterList* m_emitterList = nullptr;
+    QDockWidget* m_channelDock = nullptr;
+    QDockWidget* m_emitterDock = nullptr;
+    const Band* m_analysisBand = nullptr;
+    QString m_sourceName;
 };
 
 } // namespace wsa::desktop

@@ -54,6 +54,7 @@ QString InstrumentWindow::keysAndMouse()
         "<tr><td>Ctrl+R</td><td>reset average, maximum and minimum</td></tr>"
         "<tr><td>Ctrl+1 to Ctrl+4</td><td>all views, spectrum, density, waterfall</td></tr>"
         "<tr><td>Ctrl+S, Ctrl+Shift+S</td><td>export the picture, the traces</td></tr>"
+        "<tr><td>Ctrl+P</td><td>save a report: picture, markers, channels, emitters</td></tr>"
         "<tr><td>F11, Ctrl+Q</td><td>full screen, quit</td></tr>"
         "</table>");
 }
@@ -67,6 +68,7 @@ QMenu* InstrumentWindow::createFileMenu()
     QAction* csv = menu->addAction(tr("Export &traces (CSV)..."));
     csv->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
     connect(csv, &QAction::triggered, this, [this] { askAndExport(false); });
+    addReportAction(menu);
     menu->addSeparator();
     QAction* quit = menu->addAction(tr("&Quit"));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -103,6 +105,7 @@ QMenu* InstrumentWindow::createViewMenu()
     QAction* whole = menu->addAction(tr("Whole &band"));
     whole->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_0));
     connect(whole, &QAction::triggered, this, [this] { setSpan(0, 0); });
+    addAnalysisViewActions(menu);
     menu->addSeparator();
     QAction* full = menu->addAction(tr("&Full screen"));
     full->setShortcut(QKeySequence(Qt::Key_F11));

@@ -14,7 +14,9 @@ QString tr(const char* text)
     return QCoreApplication::translate("Export", text);
 }
 
-bool writeAll(const QString& path, const QByteArray& bytes, QString* error)
+} // namespace
+
+bool writeFile(const QString& path, const QByteArray& bytes, QString* error)
 {
     QSaveFile file(path);
     if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
@@ -23,8 +25,6 @@ bool writeAll(const QString& path, const QByteArray& bytes, QString* error)
         *error = tr("Could not write %1: %2").arg(path, file.errorString());
     return false;
 }
-
-} // namespace
 
 QByteArray tracesCsv(const SweepModel& model)
 {
@@ -48,7 +48,7 @@ QByteArray tracesCsv(const SweepModel& model)
 
 bool saveTracesCsv(const SweepModel& model, const QString& path, QString* error)
 {
-    return writeAll(path, tracesCsv(model), error);
+    return writeFile(path, tracesCsv(model), error);
 }
 
 bool savePicture(const QImage& image, const QString& path, QString* error)

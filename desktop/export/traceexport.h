@@ -18,6 +18,7 @@ namespace wsa::desktop
 QByteArray tracesCsv(const SweepModel& model);
 
 // Writes to `path`; on failure returns false and a sentence naming the file and the cause.
+bool writeFile(const QString& path, const QByteArray& bytes, QString* error);
 bool saveTracesCsv(const SweepModel& model, const QString& path, QString* error);
 bool savePicture(const QImage& image, const QString& path, QString* error);
 

@@ -39,11 +39,12 @@ public:
     // grid().bins levels, or null before the first sweep (and after a reset, for the holds).
     virtual const float* trace(Trace t) const = 0;
 
-    // Density: how often each level was seen in each cell. Row r holds the levels in
-    // [densityTopDbm() - r - 1, densityTopDbm() - r), one count per cell, row-major.
+    // Density: how often each level was seen in each cell. Row r, counted from the top, holds
+    // the levels in [densityTopDbm() - r - 1, densityTopDbm() - r), one count per cell; null for
+    // a row out of range.
     virtual int densityRows() const = 0;
     virtual int densityTopDbm() const = 0;
-    virtual const std::uint32_t* densityCounts() const = 0;
+    virtual const std::uint32_t* densityRow(int row) const = 0;
     virtual std::uint64_t densitySweeps() const = 0;
 
     // Waterfall history, newest first: age 0 is the latest sweep. Times are milliseconds of a

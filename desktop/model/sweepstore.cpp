@@ -1,112 +1,98 @@
 #include "sweepstore.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace wsa::desktop
 {
 
+namespace
+{
+// The history ring is bounded by the core store's cell budget for the band's grid.
+int boundedDepth(int depth, int bins)
+{
+    const long long cells = wsa::SweepStore::kMaxHistoryCells / std::max(bins, 1);
+    return int(std::clamp<long long>(depth, 1, std::min<long long>(cells, wsa::SweepStore::kMaxHistory)));
+}
+} // namespace
+
+wsa::SweepStoreConfig SweepStore::configFor(const Band& band, int historyDepth, int averaging)
+{
+    wsa::SweepStoreConfig c;
+    c.bins = band.grid.shown;
+    // Rows centred half a dB inside the edges: row r then holds [bottom + r, bottom + r + 1).
+    c.minDbm = kDensityBottomDbm + 0.5f;
+    c.maxDbm = kDensityTopDbm - 0.5f;
+    c.densityStepDb = 1;
+    c.historyRows = boundedDepth(historyDepth, c.bins);
+    c.averaging = averaging;
+    c.missingDbm = float(band.grid.floorDbm);
+    return c;
+}
+
 SweepStore::SweepStore(const Band& band, int historyDepth)
-    : m_band(&band), m_depth(std::max(historyDepth, 1))
+    : m_band(&band), m_depth(historyDepth), m_core(configFor(band, historyDepth, m_averaging))
 {
     configure(band);
+}
+
+SweepStore::SweepStore(const SweepStore& o)
+    : SweepModel(), m_band(o.m_band), m_grid(o.m_grid), m_depth(o.m_depth), m_averaging(o.m_averaging),
+      m_core(o.m_core.snapshot())
+{
 }
 
 void SweepStore::configure(const Band& band)
 {
     m_band = &band;
     m_grid = {band.grid.startHz, band.grid.stepHz, band.grid.shown};
-    const auto bins = std::size_t(m_grid.bins);
-    for (auto& t : m_traces)
-        t.assign(bins, 0.0f);
-    m_density.assign(bins * std::size_t(densityRows()), 0);
-    m_history.assign(bins * std::size_t(m_depth), 0.0f);
-    m_historyTimes.assign(std::size_t(m_depth), 0);
-    m_historyHead = 0;
-    m_historyRows = 0;
-    m_sweeps = m_holdSweeps = m_densitySweeps = 0;
-    ++m_generation;
+    m_core.configure(configFor(band, m_depth, m_averaging));
 }
 
 bool SweepStore::addSweep(const float* dbm, int count, std::int64_t timeMs)
 {
-    const int bins = m_grid.bins;
-    if (!dbm || count < bins)
+    if (!dbm || count < m_grid.bins)
         return false;
-    m_historyHead = (m_historyHead + 1) % m_depth;
-    m_historyRows = std::min(m_historyRows + 1, m_depth);
-    m_historyTimes[std::size_t(m_historyHead)] = timeMs;
-    float* row = m_history.data() + std::size_t(m_historyHead) * std::size_t(bins);
-    float* cur = m_traces[int(Trace::Current)].data();
-    float* avg = m_traces[int(Trace::Average)].data();
-    float* max = m_traces[int(Trace::Maximum)].data();
-    float* min = m_traces[int(Trace::Minimum)].data();
-    const bool first = m_holdSweeps == 0;
-    const float weight = 1.0f / float(std::min<std::uint64_t>(m_holdSweeps + 1, m_averaging));
-    const float floor = float(m_band->grid.floorDbm);
-    const int rows = densityRows();
-    for (int i = 0; i < bins; ++i) {
-        const float v = std::isfinite(dbm[i]) ? dbm[i] : floor;
-        row[i] = cur[i] = v;
-        if (first) {
-            avg[i] = max[i] = min[i] = v;
-        } else {
-            avg[i] += (v - avg[i]) * weight;
-            max[i] = std::max(max[i], v);
-            min[i] = std::min(min[i], v);
-        }
-        const int r = int(std::clamp(std::ceil(kDensityTopDbm - double(v)) - 1, 0.0, rows - 1.0));
-        ++m_density[std::size_t(r) * std::size_t(bins) + std::size_t(i)];
-    }
-    ++m_sweeps;
-    ++m_holdSweeps;
-    ++m_densitySweeps;
-    ++m_generation;
+    m_core.addSweep(dbm, m_grid.bins, timeMs);
     return true;
 }
 
 void SweepStore::resetHolds()
 {
-    m_holdSweeps = 0;
-    ++m_generation;
+    m_core.resetHolds();
 }
 
 void SweepStore::resetDensity()
 {
-    std::fill(m_density.begin(), m_density.end(), 0);
-    m_densitySweeps = 0;
-    ++m_generation;
+    m_core.resetDensity();
 }
 
 void SweepStore::setAveragingLength(int n)
 {
     m_averaging = std::clamp(n, 1, kMaxAveraging);
+    m_core.setAveraging(m_averaging);
 }
 
 const float* SweepStore::trace(Trace t) const
 {
-    if (m_sweeps == 0 || (t != Trace::Current && m_holdSweeps == 0))
+    if (!m_core.hasTraces() || (t != Trace::Current && m_core.holdSweeps() == 0))
         return nullptr;
-    return m_traces[int(t)].data();
+    switch (t) {
+    case Trace::Current:
+        return m_core.current();
+    case Trace::Average:
+        return m_core.average();
+    case Trace::Maximum:
+        return m_core.maxHold();
+    case Trace::Minimum:
+        return m_core.minHold();
+    }
+    return nullptr;
 }
 
-int SweepStore::historySlot(int age) const
+const std::uint32_t* SweepStore::densityRow(int row) const
 {
-    if (age < 0 || age >= m_historyRows)
-        return -1;
-    return (m_historyHead - age + m_depth) % m_depth;
-}
-
-const float* SweepStore::historyRow(int age) const
-{
-    const int slot = historySlot(age);
-    return slot < 0 ? nullptr : m_history.data() + std::size_t(slot) * std::size_t(m_grid.bins);
-}
-
-std::int64_t SweepStore::historyTimeMs(int age) const
-{
-    const int slot = historySlot(age);
-    return slot < 0 ? 0 : m_historyTimes[std::size_t(slot)];
+    // The views count rows from the top, the core from the bottom.
+    return m_core.densityCells(m_core.densityRows() - 1 - row);
 }
 
 } // namespace wsa::desktop

@@ -53,6 +53,10 @@ inline QColor marker()
 {
     return QColor(0xff, 0xff, 0xff);
 }
+inline QColor emitter()
+{
+    return QColor(0xe8, 0x8a, 0xf0);
+}
 } // namespace colors
 
 } // namespace wsa::desktop

@@ -45,8 +45,7 @@ void DensityView::refresh()
 {
     const int bins = model().grid().bins;
     const std::uint64_t sweeps = model().densitySweeps();
-    const std::uint32_t* counts = model().densityCounts();
-    if (sweeps == 0 || !counts || m_table.width() != bins) {
+    if (sweeps == 0 || m_table.width() != bins || m_table.height() != model().densityRows()) {
         m_table.fill(colorScale()[0]);
         return;
     }
@@ -54,7 +53,7 @@ void DensityView::refresh()
     const std::uint64_t unit = (std::uint64_t(kShareSteps) << 20) / sweeps;
     for (int r = 0; r < m_table.height(); ++r) {
         auto* line = reinterpret_cast<QRgb*>(m_table.scanLine(r));
-        const std::uint32_t* row = counts + std::size_t(r) * std::size_t(bins);
+        const std::uint32_t* row = model().densityRow(r);
         for (int i = 0; i < bins; ++i) {
             const std::uint64_t q = std::min<std::uint64_t>((row[i] * unit) >> 20, kShareSteps);
             line[i] = row[i] ? m_shades[std::max<std::size_t>(q, 1)] : m_shades[0];

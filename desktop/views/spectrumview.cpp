@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <algorithm>
 
 #include "colormap.h"
 #include "markers.h"
@@ -69,9 +70,62 @@ void SpectrumView::paintLegend(QPainter& p, const QRectF& legend)
     }
 }
 
+void SpectrumView::setEmitterMarks(std::vector<EmitterMark> marks)
+{
+    std::sort(marks.begin(), marks.end(),
+              [](const EmitterMark& x, const EmitterMark& y) { return x.lowHz < y.lowHz; });
+    m_emitterMarks = std::move(marks);
+    m_placedFor = {};
+    update();
+}
+
+void SpectrumView::placeEmitterMarks(const PlotLayout& l, const Axis& a, const QFontMetricsF& fm)
+{
+    // Overlapping emitters (Bluetooth hopping across a Wi-Fi channel) take lanes downwards.
+    constexpr int kLanes = 3;
+    const double laneHeight = std::ceil(fm.height()) + 6;
+    double laneEnd[kLanes] = {-1e9, -1e9, -1e9};
+    m_placed.clear();
+    for (const EmitterMark& m : m_emitterMarks) {
+        const double x0 = std::max(a.columnOfHz(m.lowHz), l.plot.left());
+        const double x1 = std::min(a.columnOfHz(m.highHz), l.plot.right());
+        if (!(x0 <= x1))
+            continue; // outside the span shown, or nonsense
+        int lane = 0;
+        while (lane < kLanes - 1 && x0 <= laneEnd[lane] + 2)
+            ++lane;
+        laneEnd[lane] = std::max(laneEnd[lane], x1);
+        // Half a pixel in, so that the lines fill whole device pixels at ratio 1.
+        const double y = std::floor(l.plot.top() + 2 + lane * laneHeight) + 0.5;
+        m_placed.push_back({x0, x1, y, fm.elidedText(m.label, Qt::ElideRight, x1 - x0 - 4)});
+    }
+}
+
+void SpectrumView::paintEmitterMarks(QPainter& p, const PlotLayout& l, const Axis& a)
+{
+    // Placed again only when the plot, the span or the font moved: painting allocates nothing.
+    const QFontMetricsF fm(p.font());
+    const Span s = span();
+    const PlacedKey key{l.plot, s.lowHz, s.highHz, fm.height()};
+    if (!(key == m_placedFor)) {
+        placeEmitterMarks(l, a, fm);
+        m_placedFor = key;
+    }
+    p.setPen(QPen(colors::emitter(), 0));
+    for (const PlacedMark& m : m_placed) {
+        p.drawLine(QPointF(m.x0, m.y), QPointF(m.x1, m.y));
+        p.drawLine(QPointF(m.x0, m.y), QPointF(m.x0, m.y + 5));
+        p.drawLine(QPointF(m.x1, m.y), QPointF(m.x1, m.y + 5));
+        if (!m.text.isEmpty())
+            p.drawText(QRectF(m.x0 + 2, m.y + 1, m.x1 - m.x0 - 4, fm.height()), Qt::AlignCenter,
+                       m.text);
+    }
+}
+
 void SpectrumView::paintForeground(QPainter& p, const PlotLayout& l)
 {
     const Axis a = axisFor(l);
+    paintEmitterMarks(p, l, a);
     const QFontMetricsF fm(p.font());
     p.setRenderHint(QPainter::Antialiasing);
     for (int i = 0; i < Markers::kCount; ++i) {

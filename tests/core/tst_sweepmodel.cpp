@@ -215,6 +215,51 @@ private slots:
         QCOMPARE(heard.size(), 6);
     }
 
+    // What a front-end keeps beside the statistics: stamps with the waterfall rows, density rows
+    // a row at a time, a density reset of its own, a stand-in for missing readings, and a
+    // snapshot that neither sees later sweeps nor calls the original's observers.
+    void frontEndAdditions()
+    {
+        wsa::SweepStoreConfig c = config(3, 2);
+        c.densityStepDb = 10;
+        c.missingDbm = -95;
+        wsa::SweepStore store(c);
+        int heard = 0;
+        store.subscribe([&](const wsa::SweepStore&) { ++heard; });
+        const float s[3] = {-100, NAN, -21};
+        for (int k = 0; k < 3; ++k)
+            store.addSweep(s, 3, 1000 + k);
+        QCOMPARE(store.current()[1], -95.0f);
+        QCOMPARE(QList<long long>({store.historyStamp(0), store.historyStamp(1),
+                                   store.historyStamp(2), store.historyStamp(-1)}),
+                 QList<long long>({1002, 1001, 0, 0}));
+        for (int row = 0; row < store.densityRows(); ++row)
+            for (int bin = 0; bin < 3; ++bin)
+                QCOMPARE(store.densityCells(row)[bin], store.density(bin, row));
+        QCOMPARE(QList<quint32>({store.densityCells(0)[0], store.densityCells(8)[2]}),
+                 QList<quint32>({3, 3}));
+        QVERIFY(!store.densityCells(-1) && !store.densityCells(store.densityRows()));
+
+        wsa::SweepStore picture = store.snapshot();
+        const float later[3] = {-50, -50, -50};
+        store.addSweep(later, 3, 2000);
+        QCOMPARE(heard, 4);
+        picture.addSweep(later, 3, 3000);
+        QCOMPARE(heard, 4);
+        QCOMPARE(QList<long long>({store.sweeps(), picture.sweeps(), picture.historyStamp(1)}),
+                 QList<long long>({4, 4, 1002}));
+
+        store.resetHolds();
+        QCOMPARE(QList<long long>({store.holdSweeps(), store.densitySweeps()}),
+                 QList<long long>({0, 4}));
+        store.resetDensity();
+        QCOMPARE(QList<long long>({store.densitySweeps(), store.densityCells(0)[0],
+                                   store.historyCount(), store.sweeps()}),
+                 QList<long long>({0, 0, 2, 4}));
+        c.missingDbm = NAN;
+        QVERIFY(!wsa::SweepStore::valid(c));
+    }
+
     // Storage is allocated with the configuration: a long run of sweeps never moves a trace.
     void storageStaysPut()
     {

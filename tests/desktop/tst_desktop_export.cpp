@@ -1,11 +1,15 @@
-// What the window writes and keeps: the traces as CSV with frequencies in Hz, pictures, refusals
-// with a message naming the file, and settings that survive a restart and bad values in the file.
+// What the window writes and keeps: the traces as CSV with frequencies in Hz, pictures, the HTML
+// report, refusals with a message naming the file, and settings that survive a restart and bad
+// values in the file.
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include "desktoptestsupport.h"
+#include "analysismodel.h"
 #include "instrumentwindow.h"
+#include "markers.h"
+#include "report.h"
 #include "spectrumview.h"
 #include "sweepfeed.h"
 #include "traceexport.h"
@@ -97,6 +101,54 @@ private slots:
         QVERIFY(file.open(QIODevice::ReadOnly));
         const int cell = desktoptest::cellOf(m_b6, 6500e6);
         QCOMPARE(file.readAll().split('\n')[cell + 1].split(',')[1].toDouble(), -50.0);
+    }
+
+    // The report holds the picture, band, source, markers, channels and emitters, with every
+    // outside text escaped.
+    void reportHoldsWhatTheWindowShows()
+    {
+        const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz24);
+        SweepFeed feed(b);
+        InstrumentWindow w(&feed);
+        w.resize(1000, 700);
+        auto s = desktoptest::sweepWithSignal(b, 2437e6, -42.5f, -90);
+        feed.addSweep(s.data(), int(s.size()), 0);
+        w.markers()->place(0, feed.shown(), 2437e6);
+        w.setSourceName(QStringLiteral("sim <&>"));
+        QVERIFY(w.analysis()->takeJson(R"({"type":"analysis","sweeps":5,"channels":[
+            {"channel":1,"width_mhz":20,"center_mhz":2412,"occupancy":0.25,"mean_dbm":-80,"max_dbm":-50},
+            {"channel":6,"width_mhz":20,"center_mhz":2437,"occupancy":0.05,"mean_dbm":-85,"max_dbm":-42.5}],
+            "emitters":[{"kind":"<b>x&y</b>","center_mhz":2437,"width_mhz":20,"active":true}]})"));
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("report.html"));
+        QString error;
+        QVERIFY2(w.saveReport(path, &error), qPrintable(error));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString html = QString::fromUtf8(file.readAll());
+        for (const char* expected :
+             {"<td>2.4 GHz</td>", "<td>sim &lt;&amp;&gt;</td>", "&lt;b&gt;x&amp;y&lt;/b&gt;",
+              "<tr><td>1</td><td>2412.0</td><td>25.0</td><td>-80.0</td><td>-50.0</td></tr>",
+              "<tr class=\"freest\"><td>6</td>"})
+            QVERIFY2(html.contains(QLatin1String(expected)), expected);
+        const double markerHz = w.markers()->reading(feed.shown(), 0, 20).hz;
+        QVERIFY(std::abs(markerHz - 2437e6) < b.grid.stepHz);
+        QVERIFY(html.contains(QStringLiteral("<tr><td>1</td><td>%1</td><td>6</td><td>-42.5</td>")
+                                  .arg(markerHz / 1e6, 0, 'f', 3)));
+        QVERIFY(!html.contains(QLatin1String("<b>x")) && !html.contains(QLatin1String("sim <")));
+        // The picture is embedded whole.
+        const QString tag = QStringLiteral("data:image/png;base64,");
+        const int from = int(html.indexOf(tag)) + int(tag.size());
+        QVERIFY(from > tag.size());
+        const QByteArray png =
+            QByteArray::fromBase64(html.mid(from, html.indexOf(QLatin1Char('"'), from) - from).toLatin1());
+        QCOMPARE(QImage::fromData(png, "PNG").size(), w.reportContent().picture.size());
+
+        const QString missing = dir.filePath(QStringLiteral("no/such/report.html"));
+        QVERIFY(!w.saveReport(missing, &error));
+        QVERIFY2(error.contains(missing), qPrintable(error));
+        QVERIFY(!saveReport(ReportContent(), dir.path(), &error));
+        QVERIFY(error.contains(dir.path()));
     }
 
     void settingsSurviveARestart()

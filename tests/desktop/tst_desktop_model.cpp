@@ -1,11 +1,14 @@
-// The desktop window's sweep store and feed: holds, averaging, density rows, the history ring,
-// refusals of bad sweeps, and pause (the picture frozen while the store keeps counting).
+// The desktop window's sweep store and feed: the core store seen through the views' interface
+// (traces, density rows from the top, history order and times), holds, averaging, refusals of
+// bad sweeps, and pause (the picture frozen while the store keeps counting).
 #include <QSignalSpy>
 #include <QtTest>
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "configured.h"
+#include "desktoptestsupport.h"
 #include "sweepfeed.h"
 #include "sweepstore.h"
 
@@ -30,6 +33,43 @@ class TestDesktopModel : public QObject
 {
     Q_OBJECT
 private slots:
+    // Whatever the band, the views read exactly what the core store counted: traces as they are,
+    // density rows flipped to count from the top, history newest first with its times.
+    void viewsReadTheCoreStore()
+    {
+        for (const wsa::Band& b : wsa::allBands()) {
+            SweepStore store(b, 8);
+            wsa::SweepStore plain(SweepStore::configFor(b, 8, store.averagingLength()));
+            desktoptest::BusyBand busy(b, 7);
+            const int bins = b.grid.shown;
+            for (int s = 0; s < 20; ++s) {
+                const std::vector<float>& sweep = busy.next();
+                QVERIFY(store.addSweep(sweep.data(), int(sweep.size()), 100 * s));
+                plain.addSweep(sweep.data(), bins);
+            }
+            const float* plainTraces[] = {plain.current(), plain.average(), plain.maxHold(),
+                                          plain.minHold()};
+            for (int t = 0; t < kTraceCount; ++t)
+                QVERIFY(std::equal(plainTraces[t], plainTraces[t] + bins, store.trace(Trace(t))));
+            const int rows = store.densityRows();
+            for (int r = 0; r < rows; ++r)
+                for (int i = 0; i < bins; ++i)
+                    QCOMPARE(store.densityRow(r)[i], plain.density(i, rows - 1 - r));
+            // The newest level is counted in the row the interface names for it.
+            const float* current = store.trace(Trace::Current);
+            for (int i = 0; i < bins; ++i) {
+                const int r = std::clamp(int(std::ceil(-current[i])) - 1, 0, rows - 1);
+                QVERIFY2(store.densityRow(r)[i] > 0, qPrintable(QString::number(current[i])));
+            }
+            QCOMPARE(store.historyRows(), 8);
+            for (int age = 0; age < 8; ++age) {
+                QVERIFY(std::equal(store.historyRow(age), store.historyRow(age) + bins,
+                                   plain.historyRow(age)));
+                QCOMPARE(store.historyTimeMs(age), qint64(100 * (19 - age)));
+            }
+        }
+    }
+
     void holdsFollowTheSweeps()
     {
         SweepStore store(band24());
@@ -82,25 +122,28 @@ private slots:
         sweep[2] = 1e30f;
         sweep[3] = -1e30f;
         QVERIFY(store.addSweep(sweep.data(), int(sweep.size()), 0));
-        QCOMPARE(store.trace(Trace::Current)[0], float(band24().grid.floorDbm));
-        QCOMPARE(store.trace(Trace::Current)[1], float(band24().grid.floorDbm));
+        // No reading shows as the band's floor; the rest is clamped to what receivers report.
+        const float* current = store.trace(Trace::Current);
+        QCOMPARE(QList<float>(current, current + 4),
+                 QList<float>({float(band24().grid.floorDbm), wsa::kHighestLevelDbm,
+                               wsa::kHighestLevelDbm, wsa::kLowestLevelDbm}));
         // Huge levels land in the outermost density rows.
-        const int bins = band24().grid.shown;
-        QCOMPARE(store.densityCounts()[2], 1u);
-        QCOMPARE(store.densityCounts()[std::size_t(store.densityRows() - 1) * bins + 3], 1u);
+        QCOMPARE(store.densityRow(0)[2], 1u);
+        QCOMPARE(store.densityRow(store.densityRows() - 1)[3], 1u);
+        QVERIFY(!store.densityRow(-1) && !store.densityRow(store.densityRows()));
     }
 
     void densityCountsEachLevelInItsRow()
     {
         SweepStore store(band24());
         const int bins = band24().grid.shown;
+        QCOMPARE(store.densityRows(), SweepStore::kDensityTopDbm - SweepStore::kDensityBottomDbm);
         auto sweep = flat(band24(), -70.5f);
         sweep[10] = -40.0f;
         for (int s = 0; s < 3; ++s)
             store.addSweep(sweep.data(), bins, s);
         const auto count = [&](int dbmLow, int bin) {
-            const int row = store.densityTopDbm() - dbmLow - 1;
-            return store.densityCounts()[std::size_t(row) * bins + bin];
+            return store.densityRow(store.densityTopDbm() - dbmLow - 1)[bin];
         };
         QCOMPARE(count(-71, 0), 3u); // -70.5 lies in [-71, -70)
         QCOMPARE(count(-70, 0), 0u);
@@ -163,6 +206,12 @@ private slots:
         QCOMPARE(feed.shown().sweepCount(), 1u);
         QCOMPARE(feed.shown().generation(), frozenGeneration);
         QCOMPARE(feed.shown().trace(Trace::Current)[0], -80.0f);
+        QCOMPARE(feed.shown().densityRow(79)[0], 1u); // -80 lies in [-80, -79)
+        QCOMPARE(feed.shown().densitySweeps(), 1u);
+        QCOMPARE(feed.shown().historyRows(), 1);
+        QCOMPARE(feed.shown().historyRow(0)[0], -80.0f);
+        QCOMPARE(feed.live().historyRow(0)[0], -55.0f);
+        QCOMPARE(feed.live().historyTimeMs(4), qint64(1));
         // A hold reset reaches the live store, not the frozen picture.
         feed.resetHolds();
         QVERIFY(feed.shown().trace(Trace::Maximum));
