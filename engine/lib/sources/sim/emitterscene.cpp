@@ -23,13 +23,14 @@ wsa::WorldOptions worldOptions(double periodS)
 EmitterScene::EmitterScene(const wsa::Band& band, std::uint64_t seed, double sweepsPerSecond)
     : m_band(band), m_seed(seed), m_periodS(sweepsPerSecond > 0 ? 1 / sweepsPerSecond : 1),
       m_world(band, seed, wsa::liveScenario(band, seed, 0, kStretchS), worldOptions(m_periodS)),
-      m_sweep(std::size_t(band.grid.shown))
+      m_sweep(std::size_t(band.grid.shown)), m_jitter(wsa::splitmixHash(seed ^ 0xc10c))
 {
 }
 
 void EmitterScene::nextSweep(double* levels, int samples)
 {
-    const double t = double(m_sweeps++) * m_periodS;
+    // A receiver's retuning makes its sweep clock a little irregular.
+    const double t = double(m_sweeps++) * m_periodS + m_jitter.uniform(0, 1e-3);
     const long stretch = long(t / kStretchS);
     if (stretch != m_stretch) {
         m_stretch = stretch;

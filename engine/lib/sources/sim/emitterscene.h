@@ -28,6 +28,7 @@ private:
     double m_periodS;
     wsa::World m_world;
     std::vector<float> m_sweep;
+    wsa::SplitMix m_jitter;
     long m_sweeps = 0;
     long m_stretch = 0;
 };
