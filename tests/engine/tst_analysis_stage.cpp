@@ -40,7 +40,10 @@ class LevelsObserver : public SweepObserver
 {
 public:
     std::vector<float> levels;
-    void take(const float* dbm, int bins, double) override { levels.insert(levels.end(), dbm, dbm + bins); }
+    void take(const float* dbm, int bins, double) override
+    {
+        levels.insert(levels.end(), dbm, dbm + bins);
+    }
 };
 
 QJsonObject parse(const std::string& text)
@@ -53,11 +56,13 @@ QJsonObject parse(const std::string& text)
 QStringList fileLines(const QString& path)
 {
     QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? QString(f.readAll()).split('\n', Qt::SkipEmptyParts) : QStringList();
+    return f.open(QIODevice::ReadOnly) ? QString(f.readAll()).split('\n', Qt::SkipEmptyParts)
+                                       : QStringList();
 }
 
 // A Wi-Fi access point throughout and a narrow carrier that stops a third of the way through.
-std::vector<wsa::TruthEmitter> cast(const wsa::Band& band, int wifiWidth, int wifiChannel, double seconds)
+std::vector<wsa::TruthEmitter> cast(const wsa::Band& band, int wifiWidth, int wifiChannel,
+                                    double seconds)
 {
     wsa::TruthEmitter wifi;
     wifi.kind = wsa::EmitterKind::WifiOfdm;
@@ -84,7 +89,8 @@ std::size_t channelCount(const wsa::Band& band, int onlyWidth = 0)
     std::size_t n = 0;
     for (int w : band.widthsMHz)
         for (const wsa::Channel& c : band.channels(w))
-            n += (onlyWidth ? w == onlyWidth : w <= 160) && (c.highMHz() - 1) * 1e6 > band.grid.lowEdgeHz() &&
+            n += (onlyWidth ? w == onlyWidth : w <= 160) &&
+                 (c.highMHz() - 1) * 1e6 > band.grid.lowEdgeHz() &&
                  (c.lowMHz() + 1) * 1e6 < band.grid.highEdgeHz();
     return n;
 }
@@ -183,7 +189,8 @@ void TestAnalysisStage::liveAnalysis()
     QVERIFY(worstLatency <= 0.3 + 1e-9);
     for (std::size_t k = 1; k < sink.frames.size() - 1; ++k) {
         const double gap = sink.frames[k].first - sink.frames[k - 1].first;
-        QVERIFY2(gap >= 0.25 - 1e-9 && gap <= 1.0 + kSweepS + 1e-9, qPrintable(QString::number(gap)));
+        QVERIFY2(gap >= 0.25 - 1e-9 && gap <= 1.0 + kSweepS + 1e-9,
+                 qPrintable(QString::number(gap)));
     }
     const QJsonObject last = parse(sink.frames.back().second);
     QCOMPARE(last["type"].toString(), QString("analysis"));
@@ -212,7 +219,8 @@ void TestAnalysisStage::liveAnalysis()
     // A payload cut to fit drops the oldest emitter and stays whole JSON.
     const std::string full = AnalysisStage::frameJson(stage.analyzer());
     const QJsonArray all = parse(full)["emitters"].toArray();
-    const QJsonArray cut = parse(AnalysisStage::frameJson(stage.analyzer(), full.size() - 1))["emitters"].toArray();
+    const QJsonArray cut =
+        parse(AnalysisStage::frameJson(stage.analyzer(), full.size() - 1))["emitters"].toArray();
     QCOMPARE(cut.size(), all.size() - 1);
     QVERIFY(all.size() < 2 || cut.last()["id"] == all.last()["id"]);
 
@@ -228,7 +236,9 @@ void TestAnalysisStage::liveAnalysis()
     QVERIFY(lines.size() >= beforeStop.size() + 1 + twenties + 1);
     for (int k = 0; k < lines.size(); ++k) {
         const QJsonObject o = parse(lines[k].toStdString());
-        const QString expected = k == lines.size() - 1 ? "summary" : k >= lines.size() - 1 - twenties ? "channel" : "emitter";
+        const QString expected = k == lines.size() - 1              ? "summary"
+                                 : k >= lines.size() - 1 - twenties ? "channel"
+                                                                    : "emitter";
         QCOMPARE(o["type"].toString(), expected);
         if (expected == "emitter")
             QVERIFY(!o["active"].toBool());
@@ -245,7 +255,8 @@ void TestAnalysisStage::headlessFile_data()
                            "WSA_OUTPUT_RATE=8", "WSA_ANALYSIS_FILE=analysis.jsonl"};
     QTest::newRow("source ends") << fast + QStringList{"WSA_SIM_SWEEPS=300"} << false << 0;
     QTest::newRow("stopped by SIGTERM") << fast << true << 0;
-    QTest::newRow("beside a recording") << fast + QStringList{"WSA_SIM_SWEEPS=300", "WSA_RECORD_DIR=rec"} << false << 0;
+    QTest::newRow("beside a recording")
+        << fast + QStringList{"WSA_SIM_SWEEPS=300", "WSA_RECORD_DIR=rec"} << false << 0;
     QTest::newRow("file cannot be created")
         << QStringList{"WSA_RECORD_ONLY=1", "WSA_SIM_SWEEPS=20", "WSA_RECORD_DIR=rec",
                        "WSA_ANALYSIS_FILE=missing/analysis.jsonl"}
@@ -268,7 +279,8 @@ void TestAnalysisStage::headlessFile()
     QVERIFY(run.proc.waitForFinished(10000));
     QCOMPARE(run.proc.exitStatus(), QProcess::NormalExit);
     QCOMPARE(run.proc.exitCode(), 0);
-    QCOMPARE(QString(run.proc.readAllStandardError()).split('\n', Qt::SkipEmptyParts).size(), stderrLines);
+    QCOMPARE(QString(run.proc.readAllStandardError()).split('\n', Qt::SkipEmptyParts).size(),
+             stderrLines);
     const QStringList lines = fileLines(run.dir.filePath("analysis.jsonl"));
     if (stderrLines) {
         QVERIFY(!run.rows().isEmpty()); // the recording went on
@@ -278,7 +290,8 @@ void TestAnalysisStage::headlessFile()
     const QJsonObject summary = parse(lines.last().toStdString());
     QCOMPARE(summary["type"].toString(), QString("summary"));
     QVERIFY(summary["sweeps"].toInt() >= 250);
-    QVERIFY(std::any_of(lines.begin(), lines.end(), [](const QString& l) { return l.contains("\"type\":\"emitter\""); }));
+    QVERIFY(std::any_of(lines.begin(), lines.end(),
+                        [](const QString& l) { return l.contains("\"type\":\"emitter\""); }));
 }
 
 // The emitter scene is a function of its seed; the fixed scene is untouched unless it is asked for.
@@ -293,7 +306,8 @@ void TestAnalysisStage::simEmitterScene()
     QVERIFY(simLevels({"WSA_SIM_SCENE=emitters", "WSA_SIM_SEED=5"}) == emitters);
     QVERIFY(simLevels({"WSA_SIM_SCENE=emitters", "WSA_SIM_SEED=6"}) != emitters);
     // Fractional levels, as a measuring probe gives them, inside the probe's range.
-    QVERIFY(std::any_of(emitters.begin(), emitters.end(), [](float v) { return v != std::round(v); }));
+    QVERIFY(
+        std::any_of(emitters.begin(), emitters.end(), [](float v) { return v != std::round(v); }));
     const auto [lo, hi] = std::minmax_element(emitters.begin(), emitters.end());
     QVERIFY(*lo >= -110 && *hi <= -20 && *hi > -90);
 }

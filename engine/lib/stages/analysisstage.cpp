@@ -24,7 +24,9 @@ std::vector<const wsa::EmitterReport*> shownEmitters(const wsa::Analyzer& a)
     const std::size_t ended = shown.size();
     for (const wsa::EmitterReport& e : a.current())
         shown.push_back(&e);
-    auto byId = [](const wsa::EmitterReport* x, const wsa::EmitterReport* y) { return x->id < y->id; };
+    auto byId = [](const wsa::EmitterReport* x, const wsa::EmitterReport* y) {
+        return x->id < y->id;
+    };
     std::sort(shown.begin(), shown.begin() + std::ptrdiff_t(ended), byId);
     std::sort(shown.begin() + std::ptrdiff_t(ended), shown.end(), byId);
     return shown;
@@ -85,7 +87,9 @@ void AnalysisStage::finish()
         const wsa::Band& band = m_analyzer.band();
         for (const wsa::ChannelReport& c : m_analyzer.channels(20))
             lines += wsa::channelJson(band, c) + "\n";
-        lines += wsa::summaryJson(m_analyzer.sweeps(), m_analyzer.seconds(), m_analyzer.noiseFloorDbm()) + "\n";
+        lines += wsa::summaryJson(m_analyzer.sweeps(), m_analyzer.seconds(),
+                                  m_analyzer.noiseFloorDbm()) +
+                 "\n";
         writeLines(lines);
     }
     if (m_frames)
@@ -163,7 +167,8 @@ void AnalysisStage::writeLines(const std::string& lines)
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0) {
-            std::fprintf(stderr, "wsa_raw: writing the analysis to %s failed: %s; acquisition goes on\n",
+            std::fprintf(stderr,
+                         "wsa_raw: writing the analysis to %s failed: %s; acquisition goes on\n",
                          m_path.c_str(), std::strerror(n < 0 ? errno : ENOSPC));
             ::close(m_fd);
             m_fd = -1;

@@ -28,12 +28,13 @@ public:
     bool writing() const { return m_fd >= 0; }
 
     // The Analysis object: the state now, cut so it stays under maxBytes.
-    static std::string frameJson(const wsa::Analyzer& analyzer, std::size_t maxBytes = kMaxFrameBytes);
+    static std::string frameJson(const wsa::Analyzer& analyzer,
+                                 std::size_t maxBytes = kMaxFrameBytes);
 
     static constexpr std::size_t kMaxFrameBytes = 60 * 1024 - 1;
-    static constexpr long long kPeriodNs = 1000000000LL;    // a frame about once a second
-    static constexpr long long kSoonestNs = 250000000LL;    // ... but not closer than this
-    static constexpr double kEndedShownS = 60;              // ended emitters a frame still lists
+    static constexpr long long kPeriodNs = 1000000000LL; // a frame about once a second
+    static constexpr long long kSoonestNs = 250000000LL; // ... but not closer than this
+    static constexpr double kEndedShownS = 60;           // ended emitters a frame still lists
 
 private:
     void publish();
