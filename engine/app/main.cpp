@@ -112,8 +112,8 @@ int main(int argc, char* argv[])
     if (!entry)
         return noProbe(engine, StatusReason::UnknownSource, "unknown WSA_SOURCE=" + options.source,
                        "use " + sourceNames());
-    const int status = entry->make(settings, band)->run(engine);
+    const int exitCode = entry->make(settings, band)->run(engine);
     if (analysis)
         analysis->finish();
-    return status;
+    return exitCode;
 }
