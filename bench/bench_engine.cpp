@@ -6,6 +6,8 @@
 //      as a device delivers them; from the last row of a sweep to the record that carries it.
 //      The engine's CPU load over these seconds includes a wake-up per row.
 //   3. CPU at the real pace with a sweep per write, as a buffered writer delivers them.
+// The 100 kHz run is repeated with the live analysis stage writing its file, whose cost is then
+// part of each CPU figure.
 // A marker bin carries each sweep's number, so a record tells which sweep is the newest in it.
 #include <algorithm>
 #include <atomic>
@@ -127,7 +129,7 @@ struct Arrival {
 class Rig
 {
 public:
-    explicit Rig(long binHz) : m_binHz(binHz)
+    Rig(long binHz, bool analysis) : m_binHz(binHz)
     {
         char tmpl[] = "/tmp/bench-engine-XXXXXX";
         if (!mkdtemp(tmpl))
@@ -158,6 +160,10 @@ public:
             setenv("WSA_HACKRF_SWEEP", script.c_str(), 1);
             setenv("WSA_LEVEL_OFFSET_DB", "0", 1);
             unsetenv("WSA_RECORD_DIR");
+            if (analysis)
+                setenv("WSA_ANALYSIS_FILE", (m_dir + "/analysis.jsonl").c_str(), 1);
+            else
+                unsetenv("WSA_ANALYSIS_FILE");
             unsetenv("WSA_OUTPUT_RATE");
             unsetenv("WSA_DETECTOR");
             execl(WSA_ENGINE_BIN, "wsa_raw", static_cast<char*>(nullptr));
@@ -234,10 +240,10 @@ std::vector<std::string> prepare(long binHz)
     return sweeps;
 }
 
-void measure(long binHz)
+void measure(long binHz, bool analysis = false)
 {
     const std::vector<std::string> sweeps = prepare(binHz);
-    Rig rig(binHz);
+    Rig rig(binHz, analysis);
 
     // 1. CPU per second of input.
     const long long cpuBefore = cpuNs(rig.engine());
@@ -307,6 +313,8 @@ void measure(long binHz)
     const auto at = [&](double q) {
         return latencies.empty() ? 0.0 : latencies[std::size_t(q * (latencies.size() - 1))];
     };
+    if (analysis)
+        std::printf("with the analysis stage:\n");
     std::printf("%8ld Hz bins, %d per sweep. CPU, %% of one core at %d sweeps/s: %.2f %% fed at "
                 "once, %.2f %% at the real pace a sweep per write, %.2f %% a row per write\n",
                 binHz, 20 * int(5000000 / binHz), kSweepsPerSecond, 100 * load, 100 * sweepLoad,
@@ -325,5 +333,6 @@ int main()
                 wsa::findBand(wsa::BandId::Ghz24)->name, kSweepsPerSecond);
     measure(1000000);
     measure(100000);
+    measure(100000, true);
     return 0;
 }

@@ -11,7 +11,7 @@ case "$dir" in /*) ;; *) dir="$root/$dir" ;; esac
 
 cmake --preset desktop -S "$root" -B "$dir" >/dev/null
 # The desktop defaults are checked in the build they belong to.
-cmake --build "$dir" -j"$(nproc)" --target wsa_standalone wsa_raw wsaplugin wsa_package_files tst_package
+cmake --build "$dir" -j"$(nproc)" --target wsa_standalone wsa_raw wsa-analyze wsaplugin wsa_package_files tst_package
 QT_QPA_PLATFORM=offscreen "$dir/tests/tst_package" -silent
 
 rm -f "$dir"/*.deb
@@ -51,6 +51,12 @@ echo "$out"
 project_version=${version%-*}
 grep -q "$project_version" <<<"$out" ||
     { echo "wsa --version does not print $project_version" >&2; exit 1; }
+
+echo "== wsa-analyze in the scratch root"
+status=0
+"$scratch/usr/bin/wsa-analyze" "$scratch/no-such-recording.csv" 2>/dev/null || status=$?
+[ "$status" -eq 2 ] || { echo "wsa-analyze on a missing file exited $status, not 2" >&2; exit 1; }
+echo "wsa-analyze refuses a missing file with status 2"
 
 echo "== manual pages"
 for page in "$scratch"/usr/share/man/man1/*.1.gz; do

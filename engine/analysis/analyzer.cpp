@@ -148,7 +148,10 @@ void Analyzer::merge(const Detection& d, double now)
     r.duty += 0.2 * (d.duty - r.duty);
     r.peakDbm = std::max(r.peakDbm, d.peakDbm);
     ++t.hits;
-    if (!t.confirmed && t.hits >= (t.hopper ? 1 : kConfirmHits)) {
+    // A hopper is named from one look, but only a sure one: the bursts a network scatters while
+    // its region forms or fades make a faint, short-lived hopper.
+    const bool named = t.hopper ? d.confidence >= kHopperConfidence : t.hits >= kConfirmHits;
+    if (!t.confirmed && named) {
         t.confirmed = true;
         r.id = m_nextId++;
         r.reportedS = now;

@@ -65,6 +65,7 @@ public:
     static constexpr double kHoldS = 3.0;  // an emitter not seen for this long has ended
     static constexpr int kClassifyEvery = 4; // sweeps between looks at the activity
     static constexpr int kConfirmHits = 3;   // looks that must agree before an emitter is named
+    static constexpr double kHopperConfidence = 0.3; // the least a look naming a hopper needs
 
 private:
     struct Track {

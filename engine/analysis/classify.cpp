@@ -218,7 +218,7 @@ void Classifier::measureMainsLock(Region& r, const Activity& a, double nowS, dou
 {
     long lastStart = -1;
     int starts = 0;
-    double inTime[2][2] = {}, inPlace[2][2] = {};
+    double inTime[2][2] = {}, inPlace[2][2] = {}, atStart[2][2] = {};
     a.forEachSegment(nowS - kHopperWindowS, [&](const Segment& s) {
         // A run that starts inside the core started in time, not at the emitter's edge. One
         // per sweep: the runs of one sweep lie within milliseconds of each other.
@@ -233,18 +233,22 @@ void Classifier::measureMainsLock(Region& r, const Activity& a, double nowS, dou
             inTime[m][1] += std::sin(w * t);
             inPlace[m][0] += std::cos(w * inSweep);
             inPlace[m][1] += std::sin(w * inSweep);
+            atStart[m][0] += std::cos(w * s.timeS);
+            atStart[m][1] += std::sin(w * s.timeS);
         }
         ++starts;
     });
     r.runStarts = starts;
     // Starts in step with the mains in absolute time, but not merely because they fall at the
-    // same place of every sweep (which a sweep rate commensurate with the mains would also give).
+    // same place of every sweep. The more sweeps start in step with the mains themselves (a
+    // commensurate sweep rate), the more the two phases are one, and the less place may explain.
     r.mainsLock = 0;
     r.mainsHz = 50;
     for (int m = 0; m < 2 && starts > 0; ++m) {
         const double lock = std::hypot(inTime[m][0], inTime[m][1]) / starts;
         const double place = std::hypot(inPlace[m][0], inPlace[m][1]) / starts;
-        const double score = lock - std::max(0.0, place - 0.5);
+        const double commensurate = std::hypot(atStart[m][0], atStart[m][1]) / starts;
+        const double score = lock - std::max(0.0, place - 0.5 + 0.3 * commensurate);
         if (score > r.mainsLock) {
             r.mainsLock = score;
             r.mainsHz = m ? 60 : 50;

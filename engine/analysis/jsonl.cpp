@@ -29,9 +29,10 @@ std::string channelJson(const Band& band, const ChannelReport& c)
            ",\"mean_dbm\":" + number(c.meanDbm, 1) + ",\"max_dbm\":" + number(c.maxDbm, 1) + "}";
 }
 
-std::string emitterJson(const EmitterReport& e)
+std::string emitterJson(const EmitterReport& e, bool withId)
 {
-    std::string s = std::string("{\"type\":\"emitter\",\"kind\":\"") + kindName(e.kind) +
+    std::string s = std::string("{\"type\":\"emitter\",") + (withId ? "\"id\":" + std::to_string(e.id) + "," : "") +
+                    "\"kind\":\"" + kindName(e.kind) +
                     "\",\"center_mhz\":" + number(e.centerMHz, 1) + ",\"width_mhz\":" + number(e.widthMHz, 1) +
                     ",\"channel\":" + (e.channel >= 0 ? std::to_string(e.channel) : "null") +
                     ",\"first_s\":" + number(e.firstS, 1) + ",\"last_s\":" + number(e.lastS, 1) +

@@ -11,7 +11,8 @@ namespace wsa
 {
 
 std::string channelJson(const Band& band, const ChannelReport& channel);
-std::string emitterJson(const EmitterReport& emitter);
+// withId: the emitter's number leads, for readers that follow one emitter from object to object.
+std::string emitterJson(const EmitterReport& emitter, bool withId = false);
 std::string summaryJson(long sweeps, double seconds, double noiseFloorDbm);
 
 // All the lines, each ending in a newline.

@@ -13,6 +13,7 @@
 #include <memory>
 #include <unistd.h>
 
+#include "analysisstage.h"
 #include "csvrecorder.h"
 #include "enginecore.h"
 #include "frontsocket.h"
@@ -89,8 +90,10 @@ int main(int argc, char* argv[])
     const wsa::Band& band = *options.band;
     const bool recordOnly = settings.flag("WSA_RECORD_ONLY");
     const std::string recordDir = settings.text("WSA_RECORD_DIR");
-    if (recordOnly && recordDir.empty()) {
-        std::fprintf(stderr, "wsa_raw: WSA_RECORD_ONLY=1 needs WSA_RECORD_DIR: nothing to do\n");
+    const std::string analysisFile = settings.text("WSA_ANALYSIS_FILE");
+    if (recordOnly && recordDir.empty() && analysisFile.empty()) {
+        std::fprintf(stderr, "wsa_raw: WSA_RECORD_ONLY=1 needs WSA_RECORD_DIR or WSA_ANALYSIS_FILE: "
+                             "nothing to do\n");
         return 2;
     }
     const SourceEntry* entry = findSource(options.source);
@@ -138,8 +141,18 @@ int main(int argc, char* argv[])
     if (recordOnly)
         engine.setStopFd(stopFdOnSignals());
 
+    // The analysis runs only for someone who reads it.
+    std::unique_ptr<AnalysisStage> analysis;
+    if (entry && (!analysisFile.empty() || front)) {
+        analysis = std::make_unique<AnalysisStage>(engine, analysisFile, bool(front));
+        engine.addObserver(analysis.get());
+    }
+
     if (!entry)
         return noProbe(engine, StatusReason::UnknownSource, "unknown WSA_SOURCE=" + options.source,
                        "use " + sourceNames());
-    return entry->make(settings, band)->run(engine);
+    const int exitCode = entry->make(settings, band)->run(engine);
+    if (analysis)
+        analysis->finish();
+    return exitCode;
 }

@@ -138,16 +138,15 @@ TruthEmitter makeEmitter(const Band& band, EmitterKind kind, SplitMix& rng,
     return e;
 }
 
-std::vector<TruthEmitter> randomScenario(const Band& band, std::uint64_t seed,
-                                         const ScenarioOptions& options)
+namespace
 {
-    SplitMix rng(splitmixHash(seed));
-    const std::vector<EmitterKind> kinds = options.kinds.empty() ? kindsInBand(band) : options.kinds;
-    const int count = options.minEmitters +
-                      rng.below(options.maxEmitters - options.minEmitters + 1);
-    std::vector<TruthEmitter> out;
-    bool hopper = false;
-    for (int attempt = 0; attempt < 200 && int(out.size()) < count; ++attempt) {
+
+// Adds emitters until `out` holds `count`, keeping them apart as randomScenario does.
+void addApart(const Band& band, SplitMix& rng, const std::vector<EmitterKind>& kinds, std::size_t count,
+              const ScenarioOptions& options, std::vector<TruthEmitter>& out)
+{
+    bool hopper = std::any_of(out.begin(), out.end(), [](const TruthEmitter& o) { return isHopper(o.kind); });
+    for (int attempt = 0; attempt < 200 && out.size() < count; ++attempt) {
         const EmitterKind kind = pick(rng, kinds);
         if (isHopper(kind) && hopper)
             continue;
@@ -160,6 +159,42 @@ std::vector<TruthEmitter> randomScenario(const Band& band, std::uint64_t seed,
             continue;
         hopper = hopper || isHopper(kind);
         out.push_back(e);
+    }
+}
+
+} // namespace
+
+std::vector<TruthEmitter> randomScenario(const Band& band, std::uint64_t seed,
+                                         const ScenarioOptions& options)
+{
+    SplitMix rng(splitmixHash(seed));
+    const std::vector<EmitterKind> kinds = options.kinds.empty() ? kindsInBand(band) : options.kinds;
+    const int count = options.minEmitters +
+                      rng.below(options.maxEmitters - options.minEmitters + 1);
+    std::vector<TruthEmitter> out;
+    addApart(band, rng, kinds, std::size_t(count), options, out);
+    return out;
+}
+
+std::vector<TruthEmitter> liveScenario(const Band& band, std::uint64_t seed, long stretch, double segmentS)
+{
+    constexpr double kForever = 1e12;
+    ScenarioOptions options;
+    options.durationS = segmentS;
+    options.minExcessDb = 15; // plain to see on a display
+    SplitMix residentRng(splitmixHash(seed ^ 0x5e7711e));
+    std::vector<TruthEmitter> out;
+    addApart(band, residentRng, {EmitterKind::WifiOfdm}, 2, options, out);
+    for (TruthEmitter& e : out) {
+        e.startS = 0;
+        e.stopS = kForever;
+    }
+    const std::size_t residents = out.size();
+    SplitMix rng(splitmixHash(seed ^ splitmixHash(std::uint64_t(stretch) + 1)));
+    addApart(band, rng, kindsInBand(band), residents + 2 + std::size_t(rng.below(3)), options, out);
+    for (std::size_t k = residents; k < out.size(); ++k) {
+        out[k].startS += double(stretch) * segmentS;
+        out[k].stopS += double(stretch) * segmentS;
     }
     return out;
 }

@@ -34,6 +34,13 @@ TruthEmitter makeEmitter(const Band& band, EmitterKind kind, SplitMix& rng,
 std::vector<TruthEmitter> randomScenario(const Band& band, std::uint64_t seed,
                                          const ScenarioOptions& options);
 
+// An endless scene for the simulated probe, one stretch of segmentS seconds at a time: a few
+// emitters that stay throughout (Wi-Fi where the band has it), and visitors of every kind the
+// band carries that come and go within the stretch. Times are seconds from the scene's start;
+// deterministic for the seed and the stretch's number.
+std::vector<TruthEmitter> liveScenario(const Band& band, std::uint64_t seed, long stretch,
+                                       double segmentS = 60);
+
 } // namespace wsa
 
 #endif

@@ -17,8 +17,7 @@ World::World(const Band& band, std::uint64_t seed, std::vector<TruthEmitter> emi
     : m_band(&band), m_options(options), m_truth(std::move(emitters)), m_seed(seed),
       m_rng(splitmixHash(seed ^ 0xf100d))
 {
-    for (const TruthEmitter& t : m_truth)
-        m_models.emplace_back(t);
+    setEmitters(std::move(m_truth));
     const int n = bins();
     m_ripple.resize(std::size_t(n));
     const double p1 = hashUniform(seed, 1) * 6.28;
@@ -34,6 +33,14 @@ World::World(const Band& band, std::uint64_t seed, std::vector<TruthEmitter> emi
             sum += m_rng.exponential();
         v = float(10 * std::log10(sum / kAveraged));
     }
+}
+
+void World::setEmitters(std::vector<TruthEmitter> emitters)
+{
+    m_truth = std::move(emitters);
+    m_models.clear();
+    for (const TruthEmitter& t : m_truth)
+        m_models.emplace_back(t);
 }
 
 void World::sweep(double t, float* out)

@@ -31,6 +31,9 @@ public:
     const WorldOptions& options() const { return m_options; }
     const std::vector<TruthEmitter>& truth() const { return m_truth; }
 
+    // Another cast on the same receiver: its floor, ripple and noise go on undisturbed.
+    void setEmitters(std::vector<TruthEmitter> emitters);
+
     // One sweep starting at t seconds: out[0 .. bins() - 1] in dBm.
     void sweep(double t, float* out);
 

@@ -189,7 +189,8 @@ const std::vector<Variable>& commonVariables()
              "append every sweep sent to a new CSV file in this directory; unset or empty: no "
              "recording"),
         flag("WSA_RECORD_ONLY",
-             "1: connect to no analyzer, only record into WSA_RECORD_DIR until the source ends "
+             "1: connect to no analyzer, only record into WSA_RECORD_DIR (and/or analyse into "
+             "WSA_ANALYSIS_FILE) until the source ends "
              "or SIGTERM/SIGINT"),
         number("WSA_RECORD_LIMIT_MB", "MB", 1, 1048576, "0",
                "start a new recording file before one would grow past this size; 0: no limit",
@@ -202,6 +203,10 @@ const std::vector<Variable>& commonVariables()
              "host that shows what the handheld analyzer cannot"),
         number("WSA_LEVEL_OFFSET_DB", "dB", -200, 200, "the source's own (hackrf -20, replay 0)",
                "calibration offset added to measured levels"),
+        text("WSA_ANALYSIS_FILE", "",
+             "write the analysis of every sweep as JSON Lines to this file: an emitter's line "
+             "when it ends; at the stop the emitters still active, the channels and a summary; "
+             "with WSA_RECORD_ONLY=1 it may stand alone"),
     };
     return table;
 }

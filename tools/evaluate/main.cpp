@@ -4,6 +4,7 @@
 // the confusion matrix, precision and recall per kind, delays, occupancy error and the false
 // emitters of clean recordings; exits 1 when a target is missed (with --floors: when a figure
 // falls under its regression floor, which is what the test set checks).
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -40,11 +41,49 @@ struct Options {
     bool floors = false; // exit status from the floors rather than the targets
     long long seed = -1; // one scene only, told in full
     std::string band = "2g4";
+    double liveRate = 0; // score the simulated probe's emitter scene at this many sweeps a second
 };
 
 void usage()
 {
-    std::printf("usage: wsa-evaluate [--full] [--tuning] [--verbose] [--floors] [--seed N [--band 2g4|5g|6g]]\n");
+    std::printf("usage: wsa-evaluate [--full] [--tuning] [--verbose] [--floors] [--seed N [--band 2g4|5g|6g]]\n"
+                "       wsa-evaluate --live RATE [--tuning]   (the simulated probe's emitter scene)\n");
+}
+
+// The simulated probe's changing scene as a desktop window shows it: minutes of it on every
+// band at the probe's sweep rate, with the whole cast of each minute as the truth.
+int runLive(double rate, std::uint64_t seed)
+{
+    constexpr int kStretches = 5;
+    constexpr double kStretchS = 60;
+    wsa::Score score;
+    for (const char* key : {"2g4", "5g", "6g"}) {
+        const wsa::Band& band = *wsa::findBand(key);
+        std::vector<wsa::TruthEmitter> truth;
+        for (long k = 0; k < kStretches; ++k) {
+            for (wsa::TruthEmitter e : wsa::liveScenario(band, seed, k, kStretchS)) {
+                if (k > 0 && e.startS == 0)
+                    continue; // a resident, already listed
+                e.stopS = std::min(e.stopS, kStretches * kStretchS);
+                truth.push_back(e);
+            }
+        }
+        wsa::WorldOptions wo;
+        wo.sweepSeconds = std::min(0.05, 1 / rate);
+        wsa::World world(band, seed, truth, wo);
+        wsa::Analyzer analyzer(band);
+        std::vector<float> sweep(std::size_t(world.bins()));
+        for (long k = 0; k < long(kStretches * kStretchS * rate); ++k) {
+            world.sweep(k / rate, sweep.data());
+            analyzer.take(sweep.data(), world.bins(), k / rate);
+        }
+        analyzer.finish();
+        score.add(band, truth, analyzer.ended(), analyzer.channels(20), kStretches * kStretchS, false);
+    }
+    std::printf("wsa-evaluate: the emitter scene at %.4g sweeps per second, seed %llu\n\n", rate,
+                (unsigned long long)seed);
+    score.report(stdout);
+    return 0;
 }
 
 void runOne(wsa::Score& score, const wsa::Band& band, std::uint64_t seed,
@@ -109,6 +148,8 @@ int main(int argc, char** argv)
             o.verbose = true;
         } else if (!std::strcmp(argv[i], "--floors")) {
             o.floors = true;
+        } else if (!std::strcmp(argv[i], "--live") && i + 1 < argc && std::atof(argv[i + 1]) >= 1) {
+            o.liveRate = std::atof(argv[++i]);
         } else if (!std::strcmp(argv[i], "--seed") && i + 1 < argc) {
             o.seed = std::atoll(argv[++i]);
         } else if (!std::strcmp(argv[i], "--band") && i + 1 < argc && wsa::findBand(argv[i + 1])) {
@@ -118,6 +159,8 @@ int main(int argc, char** argv)
             return 2;
         }
     }
+    if (o.liveRate > 0)
+        return runLive(o.liveRate, o.tuning ? kTuningSeeds : kHeldOutSeeds);
     const Plan plan = o.full ? kFull : kQuick;
     if (o.seed >= 0) {
         wsa::Score one;

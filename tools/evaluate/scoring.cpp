@@ -210,8 +210,8 @@ bool Score::aboveFloors(std::FILE* out) const
     bool ok = true;
     for (EmitterKind k : kTargetKinds) {
         const KindScore& s = m_kinds[int(k)];
-        if (s.recall() < 0.8 || s.precision() < 0.85 || percentile(s.delays, 0.5) > 2) {
-            std::fprintf(out, "below the floor: %s precision %.1f%% (85%%) recall %.1f%% (80%%) delay %.2f s (2 s)\n",
+        if (s.recall() < 0.85 || s.precision() < 0.95 || percentile(s.delays, 0.5) > 1.5) {
+            std::fprintf(out, "below the floor: %s precision %.1f%% (95%%) recall %.1f%% (85%%) delay %.2f s (1.5 s)\n",
                          kindName(k), 100 * s.precision(), 100 * s.recall(), percentile(s.delays, 0.5));
             ok = false;
         }

@@ -1,15 +1,23 @@
 #include "simsource.h"
 
+#include <algorithm>
+#include <cmath>
 #include <csignal>
+#include <memory>
 
+#include "emitterscene.h"
 #include "enginecore.h"
 #include "scene.h"
 
 namespace
 {
 
+constexpr double kProbeMinDbm = -110; // the probe's measuring range
+constexpr double kProbeMaxDbm = -20;
+
 struct SimSettings {
     std::uint64_t seed;
+    bool emitters; // the changing cast of emitters instead of the fixed scene
     double rate; // sweeps per second; 0 = none
     bool noProbe;
     // Sweep counts at which a fault is played; -1 = never.
@@ -36,6 +44,8 @@ public:
     SimSource(const SimSettings& settings, const wsa::Band& band)
         : m_settings(settings), m_scene(band, settings.seed)
     {
+        if (settings.emitters)
+            m_emitters = std::make_unique<EmitterScene>(band, settings.seed, settings.rate);
     }
 
     int run(Engine& engine) override;
@@ -46,6 +56,7 @@ private:
 
     SimSettings m_settings;
     Scene m_scene;
+    std::unique_ptr<EmitterScene> m_emitters;
     // The probe's record buffer: a damaged record carries whatever it last held.
     int m_data[SA_MAX_SAMPLES] = {};
     double m_levels[SA_MAX_SAMPLES];
@@ -95,13 +106,21 @@ SinkResult SimSource::due(Engine& engine, long& made)
     if (reached(m_settings.corruptAfter, made) && m_corruptSent < 2)
         return engine.damaged(m_corruptSent++ == 0 ? Damage::BadCount : Damage::UnknownType, m_data,
                               samples);
-    m_scene.nextSweep(m_data);
+    if (m_emitters) {
+        m_emitters->nextSweep(m_levels, samples);
+        for (int i = 0; i < samples; ++i) {
+            m_levels[i] = std::clamp(m_levels[i], kProbeMinDbm, kProbeMaxDbm);
+            m_data[i] = int(std::lround(m_levels[i]));
+        }
+    } else {
+        m_scene.nextSweep(m_data);
+        for (int i = 0; i < samples; ++i)
+            m_levels[i] = m_data[i];
+    }
     const bool cut = reached(m_settings.shortAfter, made);
     ++made;
     if (cut)
         return engine.damaged(Damage::ShortRecord, m_data, samples);
-    for (int i = 0; i < samples; ++i)
-        m_levels[i] = m_data[i];
     engine.offer(m_levels);
     return SinkResult::Ok;
 }
@@ -114,6 +133,10 @@ const std::vector<Variable>& simVariables()
         seed("WSA_SIM_SEED", "20240611",
              "seed of the scene, decimal or 0x-hex; the same seed and settings give the same "
              "sweeps"),
+        choice("WSA_SIM_SCENE", "fixed|emitters", "fixed",
+               "fixed: the same access points, hoppers, oven and sensors every run; emitters: a "
+               "cast of every kind the band carries that changes every minute, from WSA_SIM_SEED, "
+               "for watching the analysis name them"),
         number("WSA_SIM_RATE", "sweeps per second", 0.001, 1000, "8",
                "sweeps per second, fractions allowed; sweep k is due k periods after the "
                "Configured record; 0: no sweeps, stay connected",
@@ -133,7 +156,9 @@ const std::vector<Variable>& simVariables()
 
 std::unique_ptr<Source> makeSimSource(const Settings& s, const wsa::Band& band)
 {
-    const SimSettings settings{s.seed("WSA_SIM_SEED"),           s.number("WSA_SIM_RATE"),
+    const SimSettings settings{s.seed("WSA_SIM_SEED"),
+                               s.text("WSA_SIM_SCENE") == "emitters",
+                               s.number("WSA_SIM_RATE"),
                                s.flag("WSA_SIM_NO_PROBE"),       s.count("WSA_SIM_LOSE_AFTER"),
                                s.count("WSA_SIM_DIE_AFTER"),     s.count("WSA_SIM_SHORT_AFTER"),
                                s.count("WSA_SIM_CORRUPT_AFTER"), s.count("WSA_SIM_SWEEPS")};
