@@ -1,6 +1,8 @@
 #include "sources.h"
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
 
 namespace wsa::desktop
 {
@@ -38,6 +40,21 @@ QString sourceKeys()
 QString sourceTitle(const SourceKind& kind)
 {
     return QCoreApplication::translate("Sources", kind.title);
+}
+
+QString recordingProblem(const QString& path)
+{
+    const QFileInfo info(path);
+    if (path.isEmpty() || !info.exists())
+        return QCoreApplication::translate("Sources", "does not exist");
+    if (!info.isFile())
+        return QCoreApplication::translate("Sources", "is not a regular file");
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QCoreApplication::translate("Sources", "cannot be read");
+    if (file.size() == 0)
+        return QCoreApplication::translate("Sources", "is empty");
+    return QString();
 }
 
 } // namespace wsa::desktop

@@ -21,6 +21,9 @@ const SourceKind* findSourceKind(const QString& key);
 // The keys for a message: "sim, hackrf or replay".
 QString sourceKeys();
 QString sourceTitle(const SourceKind& kind);
+// Why a recording cannot be replayed ("does not exist", "is empty", ...), or empty when it can:
+// refused before an engine is started for it.
+QString recordingProblem(const QString& path);
 
 } // namespace wsa::desktop
 
