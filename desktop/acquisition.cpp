@@ -23,8 +23,8 @@ namespace wsa::desktop
 {
 
 Acquisition::Acquisition(QMainWindow* window, SweepFeed* feed, EngineLink* link)
-    : QObject(window), m_window(window), m_feed(feed), m_link(link),
-      m_messages(new MessageBar), m_replay(new ReplayBar)
+    : QObject(window), m_window(window), m_feed(feed), m_link(link), m_messages(new MessageBar),
+      m_replay(new ReplayBar)
 {
     createMenu();
     createStatusWidgets();
@@ -37,8 +37,8 @@ void Acquisition::createMenu()
     m_menu = new QMenu(tr("&Source"), m_window);
     m_sources = new QActionGroup(m_menu);
     for (const SourceKind& kind : sourceKinds()) {
-        QAction* a = m_menu->addAction(kind.takesFile ? tr("Open &recording...")
-                                                      : sourceTitle(kind));
+        QAction* a =
+            m_menu->addAction(kind.takesFile ? tr("Open &recording...") : sourceTitle(kind));
         a->setCheckable(true);
         a->setData(QString::fromLatin1(kind.key));
         m_sources->addAction(a);
@@ -162,8 +162,8 @@ void Acquisition::setRecordingWanted(bool on)
 void Acquisition::openRecording()
 {
     const QString dir = m_setup.recordDir.isEmpty() ? QString() : m_setup.recordDir;
-    const QString file = QFileDialog::getOpenFileName(m_window, tr("Open recording"), dir,
-                                                      tr("Sweep recordings (*.csv);;All files (*)"));
+    const QString file = QFileDialog::getOpenFileName(
+        m_window, tr("Open recording"), dir, tr("Sweep recordings (*.csv);;All files (*)"));
     syncControls();
     if (file.isEmpty())
         return;
@@ -191,15 +191,15 @@ void Acquisition::onRecording(qint64 bytes, const QString& path)
 {
     m_recordingPath = path;
     m_fileButton->setVisible(!path.isEmpty());
-    m_fileButton->setText(tr("%1, %2").arg(QFileInfo(path).fileName(),
-                                           QLocale().formattedDataSize(std::max<qint64>(bytes, 0))));
+    m_fileButton->setText(tr("%1, %2").arg(
+        QFileInfo(path).fileName(), QLocale().formattedDataSize(std::max<qint64>(bytes, 0))));
     m_record->setChecked(!path.isEmpty());
 }
 
 QString Acquisition::description() const
 {
     const SourceKind* kind = findSourceKind(m_setup.source);
-    const QString source = !kind ? m_setup.source
+    const QString source = !kind             ? m_setup.source
                            : kind->takesFile ? QFileInfo(m_setup.replayFile).fileName()
                                              : sourceTitle(*kind);
     const Band* band = m_replayBand ? m_replayBand : m_setup.band;

@@ -20,8 +20,9 @@ bool LinkMessages::endsSource(StatusCode code)
     return code != StatusCode::RecordingFailed && code != StatusCode::DiskAlmostFull;
 }
 
-LinkMessage LinkMessages::status(StatusCode code, const QString& cause, const QString& band)
+LinkMessage LinkMessages::status(StatusCode code, const QString& cause, const QString& bandName)
 {
+    const QString band = bandName.isEmpty() ? tr("chosen") : bandName;
     const QString open = tr("Open another recording with File > Open recording (Ctrl+O).");
     switch (code) {
     case StatusCode::Ended:

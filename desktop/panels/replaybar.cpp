@@ -44,8 +44,7 @@ ReplayBar::ReplayBar(QWidget* parent) : QToolBar(tr("Replay"), parent)
             [this] { emit control(ControlCommand::Seek, m_position->value() / kTicksPerSecond); });
     connect(m_position, &QSlider::actionTriggered, this, [this](int action) {
         if (action != QAbstractSlider::SliderMove)
-            emit control(ControlCommand::Seek,
-                         m_position->sliderPosition() / kTicksPerSecond);
+            emit control(ControlCommand::Seek, m_position->sliderPosition() / kTicksPerSecond);
     });
     addWidget(m_position);
     m_time = new QLabel;
