@@ -123,10 +123,10 @@ void EngineLink::startProcess()
             m_quiet->stop();
         }
     });
-    connect(m_process, &QProcess::started, this, [this] { m_pid = m_process->processId(); });
     m_quiet->start(m_connectMs);
-    m_pid = 0;
+    // Known from the fork on: the engine may connect before QProcess reports it started.
     m_process->start(m_setup.enginePath, args);
+    m_pid = m_process->processId();
 }
 
 void EngineLink::stop()

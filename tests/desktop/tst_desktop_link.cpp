@@ -1,6 +1,7 @@
 // The window's engine link against a stand-in engine: this very program, started again with
 // STANDIN_MODE set, which connects to WSA_FRONT_SOCKET and plays one engine behaviour.
 #include <QLocalSocket>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QtTest>
 #include <csignal>
@@ -9,7 +10,11 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "acquisition.h"
 #include "enginelink.h"
+#include "instrumentwindow.h"
+#include "markers.h"
+#include "messagebar.h"
 #include "sweepfeed.h"
 
 using namespace wsa;
@@ -288,6 +293,73 @@ private slots:
         QVERIFY(!link.isRunning());
         QCOMPARE(messages.count(), 1);
         QVERIFY(texts(messages).first().contains("cannot be made"));
+    }
+
+    // The window shows the engine's reason in its bar and goes on; a recording keeps its band.
+    void windowShowsReasonsAndKeepsARecordingsBand()
+    {
+        SweepFeed feed(*findBand(BandId::Ghz24));
+        InstrumentWindow w(&feed);
+        EngineLink link;
+        qputenv("STANDIN_CODE", "7");
+        w.attachEngine(&link, setup("status"));
+        w.show();
+        QTRY_VERIFY(w.acquisition()->messageBar()->text().contains("cause-text"));
+        QVERIFY(w.acquisition()->messageBar()->text().contains("no sweep in the 2.4 GHz band"));
+        QTRY_VERIFY(!link.isRunning());
+        QVERIFY(w.isVisible());
+
+        EngineSetup s = setup("sweeps", BandId::Ghz5);
+        s.source = "replay";
+        s.replayFile = m_dir.filePath("x.csv");
+        w.acquisition()->start(s);
+        QTRY_COMPARE(feed.shown().band().id, BandId::Ghz5);
+        QVERIFY(w.windowTitle().contains("x.csv, 5 GHz"));
+        const qint64 engine = link.enginePid();
+        w.acquisition()->chooseBand(*findBand(BandId::Ghz6));
+        QVERIFY(w.acquisition()->messageBar()->text().contains("only its own band, 5 GHz"));
+        QCOMPARE(link.enginePid(), engine);
+        QCOMPARE(w.acquisition()->setup().band->id, BandId::Ghz5);
+    }
+
+    // Source, band, recording wish and markers come back; a recording that has gone does not.
+    void settingsRoundTrip()
+    {
+        const QString file = m_dir.filePath("settings.ini");
+        const Band& b6 = *findBand(BandId::Ghz6);
+        const double hz = b6.grid.binHz(b6.grid.shown / 3);
+        {
+            SweepFeed feed(b6);
+            InstrumentWindow w(&feed);
+            EngineLink link;
+            EngineSetup s = setup("silent", BandId::Ghz6);
+            s.source = "hackrf";
+            s.record = false;
+            w.attachEngine(&link, s);
+            w.markers()->place(2, feed.shown(), hz);
+            w.markers()->setTrace(2, Trace::Maximum);
+            w.markers()->setActive(2);
+            QSettings settings(file, QSettings::IniFormat);
+            w.saveSettings(settings);
+        }
+        QSettings settings(file, QSettings::IniFormat);
+        const EngineSetup restored = Acquisition::restoreSetup(settings, setup("silent"));
+        QCOMPARE(restored.source, QStringLiteral("hackrf"));
+        QCOMPARE(restored.band, &b6);
+        QVERIFY(!restored.record);
+        SweepFeed feed(*restored.band);
+        InstrumentWindow w(&feed);
+        w.restoreSettings(settings);
+        QCOMPARE(w.markers()->active(), 2);
+        const Marker& m = w.markers()->marker(2);
+        QVERIFY(m.on && !w.markers()->marker(0).on);
+        QCOMPARE(m.trace, Trace::Maximum);
+        QVERIFY(std::abs(m.hz - hz) < b6.grid.stepHz);
+
+        settings.setValue("source/key", "replay");
+        settings.setValue("source/recording", m_dir.filePath("gone.csv"));
+        QCOMPARE(Acquisition::restoreSetup(settings, setup("silent")).source,
+                 QStringLiteral("sim"));
     }
 };
 
