@@ -44,6 +44,11 @@ EngineSetup setupFor(const Choice& c, QSettings& settings, const QString& workDi
     s.recordDir = !c.recordDir.isEmpty()       ? QFileInfo(c.recordDir).absoluteFilePath()
                   : !fromEnvironment.isEmpty() ? QFile::decodeName(fromEnvironment)
                                                : wsaDesktopRecordDir();
+    // The window takes every sweep offered up to this rate; the environment may ask for another.
+    bool ok = false;
+    const double rate = qEnvironmentVariable("WSA_OUTPUT_RATE").toDouble(&ok);
+    if (ok && rate >= 0.1 && rate <= 1000)
+        s.outputRate = rate;
     if (c.record)
         s.record = true;
     if (c.noRecord ||

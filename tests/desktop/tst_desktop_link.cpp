@@ -99,6 +99,22 @@ int run(int argc, char** argv)
         if (LinkMessages::endsSource(StatusCode(code)))
             return 0;
     }
+    if (mode == "stream") {
+        // Sweeps at the asked rate until the link closes: the window's load for a benchmark.
+        configure(*band, r);
+        const double rate = std::max(1.0, qEnvironmentVariable("WSA_OUTPUT_RATE").toDouble());
+        std::vector<float> levels(std::size_t(band->grid.shown));
+        for (int n = 0;; ++n) {
+            for (std::size_t i = 0; i < levels.size(); ++i)
+                levels[i] = -95.0f + float((i * 7919u + unsigned(n) * 104729u) % 97u) / 10.0f;
+            levels[std::size_t(n) % levels.size()] = -40;
+            out.clear();
+            encodeSweep(out, n / rate, levels.data(), int(levels.size()));
+            send(out);
+            if (!readControls(int(1000 / rate), {}))
+                return 0;
+        }
+    }
     if (mode == "sweeps" || mode == "late") {
         configure(*band, r);
         for (int i = 0; i < 3; ++i) {
