@@ -110,5 +110,6 @@ private:
 Q_DECLARE_METATYPE(wsa::desktop::LinkMessage)
 Q_DECLARE_METATYPE(wsa::ReplayFrame)
 Q_DECLARE_METATYPE(wsa::StatusCode)
+Q_DECLARE_METATYPE(wsa::ControlCommand)
 
 #endif

@@ -1,6 +1,7 @@
 // The window's engine link against a stand-in engine: this very program, started again with
 // STANDIN_MODE set, which connects to WSA_FRONT_SOCKET and plays one engine behaviour.
 #include <QLocalSocket>
+#include <QLabel>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QtTest>
@@ -15,6 +16,7 @@
 #include "instrumentwindow.h"
 #include "markers.h"
 #include "messagebar.h"
+#include "replaybar.h"
 #include "sweepfeed.h"
 
 using namespace wsa;
@@ -336,6 +338,22 @@ private slots:
         QVERIFY(w.acquisition()->messageBar()->text().contains("only its own band, 5 GHz"));
         QCOMPARE(link.enginePid(), engine);
         QCOMPARE(w.acquisition()->setup().band->id, BandId::Ghz5);
+    }
+
+    // The bar asks for changes and shows reports without echoing them back as requests, and
+    // takes a damaged report without showing nonsense.
+    void replayBarAsksButDoesNotEcho()
+    {
+        ReplayBar bar;
+        QSignalSpy asked(&bar, &ReplayBar::control);
+        bar.setState(ReplayFrame{30, 60, 2, true, true});
+        bar.setState(ReplayFrame{qQNaN(), qInf(), 1, false, false});
+        QCOMPARE(asked.count(), 0);
+        bar.actions().first()->trigger();
+        QCOMPARE(asked.count(), 1);
+        QCOMPARE(asked[0][0].value<ControlCommand>(), ControlCommand::Pause);
+        QCOMPARE(asked[0][1].toDouble(), 1.0);
+        QVERIFY(bar.findChild<QLabel*>()->text().startsWith("0.0 / 0.0"));
     }
 
     // Source, band, recording wish and markers come back; a recording that has gone does not.
