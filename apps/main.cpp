@@ -1,7 +1,9 @@
-// Stand-alone analyzer: the analyzer window without the host.
+// Stand-alone analyzer: the analyzer window without the host; in the desktop build the
+// instrument window, with the analyzer as its handheld view.
 //
 // The analyzer starts its engine with a fixed command line, so the options here only set the
-// engine's environment (WSA_SOURCE, WSA_REPLAY_FILE, WSA_RECORD_DIR), which it inherits.
+// engine's environment (WSA_SOURCE, WSA_REPLAY_FILE, WSA_RECORD_DIR), which it inherits. They are
+// read before any window system is opened, so --help and --version work without a display.
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -11,8 +13,24 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "bandplan.h"
 #include "paths.h"
+#include "sources.h"
 #include "wsa.h"
+
+#ifndef WSA_INSTRUMENT
+#define WSA_INSTRUMENT 0
+#endif
+#if WSA_INSTRUMENT
+#include "instrumentmain.h"
+#include "statuslistener.h"
+#else
+namespace standalone
+{
+struct Choice {
+};
+} // namespace standalone
+#endif
 
 #ifndef WSA_VERSION
 #define WSA_VERSION "unknown"
@@ -24,6 +42,16 @@ namespace standalone
 // Exit status of a command line that cannot be used.
 constexpr int kUsageError = 2;
 
+// The band plan's keys for a message: "2g4, 5g or 6g".
+[[maybe_unused]] QString bandKeys(const QString& orWord)
+{
+    QStringList keys;
+    for (const wsa::Band& b : wsa::allBands())
+        keys << QString::fromUtf8(b.key);
+    const QString last = keys.takeLast();
+    return keys.join(", ") + orWord + last;
+}
+
 int usageError(const QString& message)
 {
     std::fprintf(stderr, "wsa: %s\nTry 'wsa --help'.\n", qPrintable(message));
@@ -31,28 +59,40 @@ int usageError(const QString& message)
 }
 
 // Puts the options into the environment. Returns -1 to go on and show the analyzer, else the
-// exit status (after --help, --version or a mistake). Without options nothing changes.
-int applyOptions(const QStringList& arguments)
+// exit status (after --help, --version or a mistake). Without options nothing changes. With a
+// `choice` (the desktop build) it also takes the window's options and refuses an unusable
+// recording before any window opens.
+int applyOptions(const QStringList& arguments, [[maybe_unused]] Choice* choice = nullptr)
 {
+    const QString keys = wsa::desktop::sourceKeys();
     QCommandLineParser parser;
     parser.setApplicationDescription(
         "Wi-Fi spectrum analyzer. Its engine, wsa_raw, measures with a simulated probe, a HackRF "
         "(hackrf_sweep) or a recording, and can record what it sends.");
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
-    const QCommandLineOption source("source", "Where sweeps come from: sim, hackrf or replay.",
-                                    "sim|hackrf|replay");
+    const QCommandLineOption source("source", "Where sweeps come from: " + keys + ".",
+                                    QString(keys).replace(", ", "|").replace(" or ", "|"));
     const QCommandLineOption replay("replay", "Replay a recording (implies --source replay).",
                                     "FILE");
     const QCommandLineOption record("record", "Record every sweep shown into a new file in DIR.",
                                     "DIR");
     const QCommandLineOption noRecord("no-record", "Do not record.");
     parser.addOptions({source, replay, record, noRecord});
+    const QCommandLineOption band("band", "The band to measure: " + bandKeys(" or ") + ".",
+                                  bandKeys("|").replace(", ", "|"));
+    const QCommandLineOption handheld(
+        "handheld", "Show the handheld analyzer instead of the instrument window.");
+    if (choice)
+        parser.addOptions({band, handheld});
 
     if (!parser.parse(arguments))
         return usageError(parser.errorText());
     if (parser.isSet(help)) {
-        std::fputs(qPrintable(parser.helpText()), stdout);
+        // Read before the application object exists, which is where the parser finds our name.
+        std::fputs(qPrintable(parser.helpText().replace(
+                       "<executable_name>", QFileInfo(arguments.value(0, "wsa")).fileName())),
+                   stdout);
         return 0;
     }
     if (parser.isSet(version)) {
@@ -64,8 +104,8 @@ int applyOptions(const QStringList& arguments)
         return usageError("unexpected argument: " + parser.positionalArguments().first());
 
     QString sourceName = parser.value(source);
-    if (parser.isSet(source) && !QStringList{"sim", "hackrf", "replay"}.contains(sourceName))
-        return usageError("unknown source: " + sourceName + " (use sim, hackrf or replay)");
+    if (parser.isSet(source) && !wsa::desktop::findSourceKind(sourceName))
+        return usageError("unknown source: " + sourceName + " (use " + keys + ")");
     if (parser.isSet(replay)) {
         if (parser.isSet(source) && sourceName != "replay")
             return usageError("--replay plays a recording; it cannot go with --source " +
@@ -74,6 +114,25 @@ int applyOptions(const QStringList& arguments)
     }
     if (parser.isSet(record) && parser.isSet(noRecord))
         return usageError("--record and --no-record exclude each other");
+#if WSA_INSTRUMENT
+    if (parser.isSet(replay)) {
+        const QString problem = wsa::desktop::recordingProblem(parser.value(replay));
+        if (!problem.isEmpty())
+            return usageError("cannot replay " + parser.value(replay) + ": it " + problem);
+    }
+    if (parser.isSet(band) && !wsa::findBand(parser.value(band).toStdString()))
+        return usageError("unknown band: " + parser.value(band) + " (use " + bandKeys(" or ") +
+                          ")");
+    if (parser.isSet(band) && parser.isSet(handheld))
+        return usageError("--band is for the instrument window; the handheld view has its own");
+    choice->handheld = parser.isSet(handheld);
+    choice->source = sourceName;
+    choice->replayFile = parser.value(replay);
+    choice->band = parser.value(band);
+    choice->recordDir = parser.value(record);
+    choice->record = parser.isSet(record);
+    choice->noRecord = parser.isSet(noRecord);
+#endif
 
     // Paths are made absolute: the engine runs in the analyzer's working directory.
     if (!sourceName.isEmpty())
@@ -145,7 +204,14 @@ int runAnalyzer()
     if (workDir.isEmpty())
         return 1;
     quitOnSignals();
+#if WSA_INSTRUMENT
+    // Its engine's reasons reach the handheld view only here.
+    auto* listener = new StatusListener(workDir);
+#endif
     const int status = showAnalyzer();
+#if WSA_INSTRUMENT
+    delete listener; // its socket goes before the directory
+#endif
     // Once the analyzer has removed its socket; kept while another instance still uses it.
     (void)rmdir(QFile::encodeName(workDir).constData());
     return status;
@@ -158,10 +224,20 @@ int main(int argc, char** argv)
 {
     // Console diagnostics should show as they happen, also when the output goes to a log file.
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
-    QApplication a(argc, argv);
     QCoreApplication::setApplicationName("wsa");
     QCoreApplication::setApplicationVersion(WSA_VERSION);
-    const int status = standalone::applyOptions(QCoreApplication::arguments());
-    return status >= 0 ? status : standalone::runAnalyzer();
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    standalone::Choice choice;
+    const int status = standalone::applyOptions(arguments, WSA_INSTRUMENT ? &choice : nullptr);
+    if (status >= 0)
+        return status;
+    QApplication a(argc, argv);
+#if WSA_INSTRUMENT
+    if (!choice.handheld)
+        return standalone::runInstrument(choice);
+#endif
+    return standalone::runAnalyzer();
 }
 #endif

@@ -20,8 +20,11 @@ class QSplitter;
 namespace wsa::desktop
 {
 
+class Acquisition;
 class AnalysisModel;
 class ChannelTable;
+class EngineLink;
+struct EngineSetup;
 class DensityView;
 class EmitterList;
 class MarkerTable;
@@ -43,12 +46,17 @@ public:
     ControlPanel* controls() const { return m_controls; }
     MarkerTable* markerTable() const { return m_table; }
     const DisplaySettings& settings() const { return m_settings; }
+    // Feeds the window from this engine link (Source menu, replay bar, recording, messages) and
+    // starts the engine; null until then.
+    void attachEngine(EngineLink* link, const EngineSetup& setup);
+    Acquisition* acquisition() const { return m_acquisition; }
 
     // The picture of the views as shown, and the shown traces as CSV; false and a message
     // naming the file and the cause when the file cannot be written.
     bool exportPicture(const QString& path, QString* error);
     bool exportTraces(const QString& path, QString* error);
-    // Window layout, display settings, averaging and view mode, kept between runs.
+    // Window layout, display settings, averaging, view mode, markers, source and band, kept
+    // between runs.
     void saveSettings(QSettings& settings) const;
     void restoreSettings(QSettings& settings);
 
@@ -76,6 +84,8 @@ private:
     void showError(const QString& text);
     void onShownReset();
     void syncMarkerControls();
+    void saveMarkers(QSettings& settings) const;
+    void restoreMarkers(QSettings& settings);
 
     SweepFeed* m_feed;
     Markers* m_markers;
@@ -94,6 +104,7 @@ private:
     QTimer* m_statusTimer = nullptr;
     quint64 m_lastCount = 0;
     qint64 m_lastCountMs = 0;
+    Acquisition* m_acquisition = nullptr;
 
     // ---- The analysis: channel and emitter docks, emitter marks, the report (windowanalysis.cpp)
 public:

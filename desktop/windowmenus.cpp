@@ -13,6 +13,7 @@
 #include <QTimer>
 
 #include "instrumentwindow.h"
+#include "acquisition.h"
 #include "densityview.h"
 #include "markers.h"
 #include "spectrumview.h"
@@ -235,6 +236,9 @@ void InstrumentWindow::saveSettings(QSettings& s) const
         s.setValue(QStringLiteral("trace%1").arg(t), m_settings.traceShown[t]);
     s.setValue(QStringLiteral("averaging"), m_controls->averaging());
     s.endGroup();
+    saveMarkers(s);
+    if (m_acquisition)
+        m_acquisition->saveSettings(s);
 }
 
 void InstrumentWindow::restoreSettings(QSettings& s)
@@ -261,6 +265,7 @@ void InstrumentWindow::restoreSettings(QSettings& s)
     s.endGroup();
     m_controls->setSettings(d);
     setSettings(m_controls->settings());
+    restoreMarkers(s);
 }
 
 } // namespace wsa::desktop

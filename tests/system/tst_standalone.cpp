@@ -62,7 +62,8 @@ qint64 engineOf(qint64 parent)
     return 0;
 }
 
-// A desktop login of its own: a private runtime directory and home, the fake engine.
+// A desktop login of its own: a private runtime directory and home, the fake engine, the
+// handheld view (the desktop build opens the instrument window by default).
 struct DesktopLogin {
     QTemporaryDir root;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -87,7 +88,7 @@ struct DesktopLogin {
         p.setProcessEnvironment(env);
         p.setWorkingDirectory(root.path() + "/start");
         p.setProcessChannelMode(QProcess::MergedChannels);
-        p.start(desktopProgram(), {});
+        p.start(desktopProgram(), {"--handheld"});
         if (!p.waitForStarted(5000))
             return 0;
         QDeadlineTimer deadline(15000);
