@@ -212,7 +212,10 @@ void EngineLink::onReadable()
         return;
     char buffer[16384];
     qint64 n;
-    while (m_socket && (n = m_socket->read(buffer, sizeof buffer)) > 0)
+    // A frame's handler may close the socket (a status that ends the source), and a socket the
+    // engine has closed is read only for what it still buffers.
+    while (m_socket && m_socket->bytesAvailable() > 0 &&
+           (n = m_socket->read(buffer, sizeof buffer)) > 0)
         m_reader.feed(buffer, std::size_t(n));
 }
 

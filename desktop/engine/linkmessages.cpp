@@ -25,12 +25,14 @@ LinkMessage LinkMessages::status(StatusCode code, const QString& cause, const QS
     const QString band = bandName.isEmpty() ? tr("chosen") : bandName;
     const QString open = tr("Open another recording with File > Open recording (Ctrl+O).");
     switch (code) {
+    // The engine's text is a clause naming the cause (a file, a program and what it said); the
+    // headline says what it means here, the remedy what to do.
     case StatusCode::Ended:
-        return make(Severity::Info, tr("The recording has ended: %1.").arg(cause),
+        return make(Severity::Info, tr("Replay finished: %1.").arg(cause),
                     tr("Open another, or turn on Loop to play it again."));
     case StatusCode::ProgramMissing:
-        return make(Severity::Error, tr("hackrf_sweep is not installed (%1).").arg(cause),
-                    tr("Install the hackrf package, then choose Source > HackRF again."));
+        return make(Severity::Error, tr("The HackRF cannot be used: %1.").arg(cause),
+                    tr("Once it is installed, choose Source > HackRF again."));
     case StatusCode::NoDevice:
         return make(Severity::Error, tr("No HackRF found: %1.").arg(cause),
                     tr("Connect the HackRF, then choose Source > HackRF again."));
@@ -38,15 +40,15 @@ LinkMessage LinkMessages::status(StatusCode code, const QString& cause, const QS
         return make(Severity::Error, tr("The HackRF stopped delivering sweeps: %1.").arg(cause),
                     tr("Check its cable, then choose Source > HackRF again."));
     case StatusCode::FileMissing:
-        return make(Severity::Error, tr("The recording %1 does not exist.").arg(cause), open);
+        return make(Severity::Error, tr("The recording does not exist: %1.").arg(cause), open);
     case StatusCode::FileUnreadable:
-        return make(Severity::Error, tr("The recording %1 cannot be read.").arg(cause),
+        return make(Severity::Error, tr("The recording cannot be read: %1.").arg(cause),
                     tr("Check that it is a file you may read, or open another."));
     case StatusCode::FileEmpty:
-        return make(Severity::Error, tr("The recording %1 is empty.").arg(cause), open);
+        return make(Severity::Error, tr("Nothing to replay: %1.").arg(cause), open);
     case StatusCode::NoSweepInBand:
         return make(Severity::Error,
-                    tr("The recording %1 holds no sweep in the %2 band.").arg(cause, band), open);
+                    tr("The recording holds no sweep in the %1 band: %2.").arg(band, cause), open);
     case StatusCode::BandNotCovered:
         return make(Severity::Error,
                     tr("The source does not cover the %1 band: %2.").arg(band, cause),

@@ -218,7 +218,7 @@ private slots:
         QTest::newRow("device lost") << 3 << "cable";
         QTest::newRow("file missing") << 4 << "Open another recording";
         QTest::newRow("file unreadable") << 5 << "you may read";
-        QTest::newRow("file empty") << 6 << "is empty";
+        QTest::newRow("file empty") << 6 << "Nothing to replay";
         QTest::newRow("no sweep in band") << 7 << "no sweep in the 2.4 GHz band";
         QTest::newRow("band not covered") << 8 << "Choose another band";
         QTest::newRow("recording failed") << 9 << "Free disk space";
