@@ -31,8 +31,10 @@ LinkMessage LinkMessages::status(StatusCode code, const QString& cause, const QS
         return make(Severity::Info, tr("Replay finished: %1.").arg(cause),
                     tr("Open another, or turn on Loop to play it again."));
     case StatusCode::ProgramMissing:
-        return make(Severity::Error, tr("The HackRF cannot be used: %1.").arg(cause),
-                    tr("Once it is installed, choose Source > HackRF again."));
+        // The engine's own hint after the colon is what the remedy says, in the user's language.
+        return make(Severity::Error,
+                    tr("The HackRF cannot be used: %1.").arg(cause.section(QLatin1String(": "), 0, 0)),
+                    tr("Install the hackrf package, then choose Source > HackRF again."));
     case StatusCode::NoDevice:
         return make(Severity::Error, tr("No HackRF found: %1.").arg(cause),
                     tr("Connect the HackRF, then choose Source > HackRF again."));
