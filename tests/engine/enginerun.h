@@ -32,7 +32,6 @@ struct Band {
     bool high;
     wsa::BandId id = high ? wsa::BandId::Ghz5 : wsa::BandId::Ghz24;
     const wsa::Band& plan() const { return *wsa::findBand(id); }
-    double stepMHz() const { return plan().grid.stepHz / 1e6; }
     int shown() const { return plan().grid.shown; }
     int raw() const { return plan().grid.raw; }
     int floor() const { return plan().grid.floorDbm; }
@@ -227,13 +226,16 @@ struct Run {
             if (key.startsWith("WSA_") || key.startsWith("STANDIN_"))
                 e.remove(key);
         if (how == Window || how == Status)
-            env << (how == Window ? "WSA_FRONT_SOCKET={dir}/front" : "WSA_STATUS_SOCKET={dir}/status");
+            env << (how == Window ? "WSA_FRONT_SOCKET={dir}/front"
+                                  : "WSA_STATUS_SOCKET={dir}/status");
         for (const QString& setting : env)
             e.insert(setting.section('=', 0, 0),
                      setting.section('=', 1).replace("{dir}", dir.path()));
         proc.setProcessEnvironment(e);
         proc.setWorkingDirectory(dir.path());
-        const int front = how == Window ? listenAt("front") : how == Status ? listenAt("status") : -1;
+        const int front = how == Window   ? listenAt("front")
+                          : how == Status ? listenAt("status")
+                                          : -1;
         if (how != Late && how != Nobody)
             listener = listenAt("SERVERSOCK");
         // Under a name of its own: analyzers in concurrent tests kill engines by name.
@@ -301,8 +303,8 @@ struct Run {
     {
         const QDir rec(dir.filePath(sub));
         const QStringList files = rec.entryList(QDir::Files);
-        QFile f(files.size() == 1 ? rec.filePath(files[0]) : QString());
-        if (!f.open(QIODevice::ReadOnly))
+        QFile f(rec.filePath(files.value(0)));
+        if (files.size() != 1 || !f.open(QIODevice::ReadOnly))
             return {};
         return QString(f.readAll()).split('\n', Qt::SkipEmptyParts);
     }
@@ -321,7 +323,21 @@ inline bool isConfigured(const stSweep& r, const Band& band)
     const wsa::SourceGrid& g = band.plan().grid;
     return r.type == SA_MSG_CONFIGURED && r.num_samples == band.raw() &&
            r.data[0] == std::lround(g.startHz / 1e6) && r.data[1] == std::lround(g.endHz / 1e6) &&
-           r.data[2] == std::lround(band.stepMHz() * 1000);
+           r.data[2] == std::lround(g.stepHz / 1e3);
+}
+
+// What a replay sends after its Configured record until it is quiet for 700 ms: the sweeps, an
+// empty one for any other record.
+inline QList<QVector<int>> replayed(Run& run, const Band& band, int firstMs = 5000)
+{
+    if (!isConfigured(run.next(firstMs), band))
+        return {{}};
+    QList<QVector<int>> sweeps;
+    for (stSweep r = run.next(); r.type != 0; r = run.next(700))
+        sweeps << (r.type == SA_MSG_SWEEP && r.num_samples == band.raw()
+                       ? QVector<int>(r.data, r.data + band.raw())
+                       : QVector<int>());
+    return sweeps;
 }
 
 // Each reading moves fake time on by `tick` and runs the steps that have come due. With no tick,

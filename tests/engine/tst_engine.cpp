@@ -14,9 +14,10 @@ namespace
 // Reads the link as the records of `kinds` (see TestEngine::stream_data).
 struct Reader {
     Run& run;
-    const wsa::Band& band;
-    const int samples = band.simAnnouncement.samples;
+    const Band band;
     std::vector<int> levels; // of every sweep read so far
+
+    int samples() const { return band.plan().simAnnouncement.samples; }
 
     // The kinds up to the first that did not come; empty when all came.
     QString mismatch(const QString& kinds)
@@ -40,7 +41,7 @@ struct Reader {
         QTest::qWait(kind == 'Q' ? 500 : 0);
         const int bytes = kind == 'L' ? 0 : int(recv(run.link, &r, sizeof r, flags));
         if (kind == 'S')
-            levels.insert(levels.end(), r.data, r.data + samples);
+            levels.insert(levels.end(), r.data, r.data + samples());
         std::sort(levels.begin(), levels.end());
         return bytes;
     }
@@ -48,22 +49,30 @@ struct Reader {
     {
         const bool whole = bytes == SA_RECORD_SIZE;
         // The probe's bins start at the grid's first cell and its shown ones end at the last.
-        const wsa::SourceGrid& g = band.grid;
+        const wsa::SourceGrid& g = band.plan().grid;
         const int lastShownKHz = r.data[0] * 1000 + (g.shown - 1) * r.data[2];
         switch (kind) {
         case 'C':
-            return whole && r.type == SA_MSG_CONFIGURED && r.num_samples == samples &&
+            return whole && r.type == SA_MSG_CONFIGURED && r.num_samples == samples() &&
                    r.data[0] == std::lround(g.startHz / 1e6) &&
                    qAbs(lastShownKHz - g.endHz / 1e3) <= 1000;
-        case 'S': return whole && r.type == SA_MSG_SWEEP && r.num_samples == samples;
-        case 'X': return bytes > 8 && bytes < SA_RECORD_SIZE && r.type == SA_MSG_SWEEP;
-        case 'B': return whole && r.type == SA_MSG_SWEEP && uint(r.num_samples) > SA_MAX_SAMPLES;
-        case 'U': return whole && (r.type < SA_MSG_DISCONNECT || r.type > SA_MSG_NO_DEVICE);
-        case 'D': return whole && r.type == SA_MSG_DISCONNECT;
-        case 'N': return whole && r.type == SA_MSG_NO_DEVICE;
+        case 'S':
+            return whole && r.type == SA_MSG_SWEEP && r.num_samples == samples();
+        case 'X':
+            return bytes > 8 && bytes < SA_RECORD_SIZE && r.type == SA_MSG_SWEEP;
+        case 'B':
+            return whole && r.type == SA_MSG_SWEEP && uint(r.num_samples) > SA_MAX_SAMPLES;
+        case 'U':
+            return whole && (r.type < SA_MSG_DISCONNECT || r.type > SA_MSG_NO_DEVICE);
+        case 'D':
+            return whole && r.type == SA_MSG_DISCONNECT;
+        case 'N':
+            return whole && r.type == SA_MSG_NO_DEVICE;
         case 'E':
-        case 'K': return bytes == 0;
-        case 'Q': return bytes < 0 && run.proc.state() == QProcess::Running;
+        case 'K':
+            return bytes == 0;
+        case 'Q':
+            return bytes < 0 && run.proc.state() == QProcess::Running;
         case 'L':
             return !levels.empty() && qAbs(levels[levels.size() / 2] + 93) <= 4 &&
                    levels.back() > -60 && levels.back() < 0;
@@ -73,12 +82,12 @@ struct Reader {
 };
 
 // The band of "-r N"; the first band without.
-const wsa::Band& bandOf(const QStringList& args)
+Band bandOf(const QStringList& args)
 {
     for (const wsa::Band& b : wsa::allBands())
         if (args.join(' ') == "-r " + QString::number(b.engineNumber))
-            return b;
-    return wsa::allBands().front();
+            return Band{false, b.id};
+    return Band{false};
 }
 
 } // namespace
@@ -137,7 +146,8 @@ void TestEngine::stream_data()
 
     const QString noProgram = "/nonexistent/hackrf_sweep";
     row("program missing", {"WSA_SOURCE=hackrf", "WSA_HACKRF_SWEEP=" + noProgram}, "NE",
-        "No such file", int(C::ProgramMissing), noProgram + " is not installed: install the hackrf");
+        "No such file", int(C::ProgramMissing),
+        noProgram + " is not installed: install the hackrf");
     row("program not executable", {"WSA_SOURCE=hackrf", "WSA_HACKRF_SWEEP={file}"}, "NE",
         "Permission denied", int(C::ProgramMissing), "{file} is not installed", "");
     row("no program given", {"WSA_SOURCE=program"}, "NE", "WSA_SWEEP_PROGRAM is not set",
@@ -199,7 +209,7 @@ void TestEngine::stream()
     }
     env.replaceInStrings("{file}", file);
     Run run(env, args, code >= 0 ? Run::Status : Run::Late);
-    Reader reader{run, bandOf(args), bandOf(args).simAnnouncement.samples, {}};
+    Reader reader{run, bandOf(args), {}};
     const QString mismatch = reader.mismatch(records);
     QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
     shutdown(run.link, SHUT_RDWR); // the analyzer leaves, and the engine quietly unless it crashed
@@ -228,7 +238,8 @@ void TestEngine::sameSeedSameBytes()
     QByteArray runs[3];
     for (int i = 0; i < 3; ++i) {
         // Slow enough that a busy machine never makes the output stage combine two sweeps.
-        Run run({"WSA_SIM_RATE=50", "WSA_OUTPUT_RATE=50", "WSA_SIM_SEED=" + QString::number(i < 2 ? 7 : 8)},
+        Run run({"WSA_SIM_RATE=50", "WSA_OUTPUT_RATE=50",
+                 "WSA_SIM_SEED=" + QString::number(i < 2 ? 7 : 8)},
                 {"-r 2"});
         runs[i].resize(20 * SA_RECORD_SIZE);
         QCOMPARE(recv(run.link, runs[i].data(), size_t(runs[i].size()), MSG_WAITALL),

@@ -15,7 +15,6 @@ class TestEngineFront : public QObject
 private slots:
     void windowStream();
     void replayRecordedWhenAsked();
-    void statusEndsTheStream();
     void refusesForeignListener_data();
     void refusesForeignListener();
 };
@@ -24,8 +23,7 @@ private slots:
 // window closing its socket ends the engine with status 0. ./SERVERSOCK is never tried.
 void TestEngineFront::windowStream()
 {
-    Run run({"WSA_SIM_RATE=20", "WSA_OUTPUT_RATE=20", "WSA_RECORD_DIR={dir}/rec"}, {},
-            Run::Window);
+    Run run({"WSA_SIM_RATE=20", "WSA_OUTPUT_RATE=20", "WSA_RECORD_DIR={dir}/rec"}, {}, Run::Window);
     QVERIFY(run.peerTaken);
     QVERIFY(run.peer.readUntil(
         [](const Log& l) { return l.sweeps.size() >= 3 && !l.recordings.empty(); }));
@@ -62,18 +60,6 @@ void TestEngineFront::replayRecordedWhenAsked()
     run.peer.send(wsa::ControlCommand::Record, 1);
     QVERIFY(run.peer.readUntil([](const Log& l) { return !l.recordings.empty(); }));
     QVERIFY(QFile::exists(QString::fromStdString(run.peer.log().recordings[0].second)));
-}
-
-// A source that cannot start: its Status is the last frame, and the engine ends with status 0.
-void TestEngineFront::statusEndsTheStream()
-{
-    Run run({"WSA_SOURCE=nosuch"}, {}, Run::Window);
-    QVERIFY(run.peerTaken);
-    QVERIFY(run.peer.readUntil([](const Log& l) { return l.eof; }));
-    QCOMPARE(run.peer.log().kinds, std::string("T"));
-    QCOMPARE(run.peer.log().statuses[0].first, wsa::StatusCode::BadSetting);
-    QVERIFY(run.proc.waitForFinished(5000));
-    QCOMPARE(run.proc.exitCode(), 0);
 }
 
 // A listener that did not start the engine, another user's or a stranger's of our own, at
@@ -127,9 +113,9 @@ void TestEngineFront::refusesForeignListener()
     QCOMPARE(all, lines);
     QCOMPARE(lines.size(), 1);
     const QString shown = window ? run.dir.filePath("front") : "./SERVERSOCK";
-    const QString why =
-        otherUser ? "it is user " + QString::number(nobody->pw_uid) + "'s"
-                  : "its process " + QString::number(stranger) + " did not start us";
+    const QString why = otherUser
+                            ? "it is user " + QString::number(nobody->pw_uid) + "'s"
+                            : "its process " + QString::number(stranger) + " did not start us";
     QVERIFY2(lines[0].startsWith("wsa_raw: refusing " + shown + ": ") && lines[0].endsWith(why),
              qPrintable(lines[0]));
 }

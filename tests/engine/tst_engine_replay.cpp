@@ -63,16 +63,14 @@ void TestEngineReplay::recordAndReplay()
     }
 
     Run replay({"WSA_SOURCE=replay", "WSA_REPLAY_FILE=" + file, "WSA_OUTPUT_RATE=100"}, bandArgs);
-    QVERIFY(isConfigured(replay.next(), band));
-    for (const QVector<int>& levels : sent) {
-        stSweep r;
-        QVERIFY(replay.nextSweep(r, band.raw()));
-        QCOMPARE(QVector<int>(r.data, r.data + band.shown()), levels);
-        for (int i = band.shown(); i < band.raw(); ++i)
-            QCOMPARE(r.data[i], band.floor());
+    const QList<QVector<int>> played = replayed(replay, band);
+    QCOMPARE(played.size(), sent.size());
+    for (int k = 0; k < sent.size(); ++k) {
+        QCOMPARE(played[k].mid(0, band.shown()), sent[k]);
+        QCOMPARE(played[k].mid(band.shown()),
+                 QVector<int>(band.raw() - band.shown(), band.floor()));
     }
-    // At its end the replay stays connected and sends nothing more.
-    QCOMPARE(replay.next(700).type, char(0));
+    // At its end the replay stays connected.
     QVERIFY(!replay.proc.waitForFinished(100));
 }
 
@@ -97,16 +95,13 @@ void TestEngineReplay::replaysSavedSweeperOutput()
     const Band band{false};
     Run run({"WSA_SOURCE=replay", "WSA_REPLAY_FILE=" + tmp.filePath("saved.csv"),
              "WSA_LEVEL_OFFSET_DB=-20", "WSA_OUTPUT_RATE=200", "WSA_REPLAY_SPEED=0.5"});
-    QVERIFY(isConfigured(run.next(), band));
-    for (int k = 0; k < 6; ++k) {
-        stSweep r;
-        QVERIFY(run.nextSweep(r, band.raw()));
+    const QList<QVector<int>> played = replayed(run, band);
+    QCOMPARE(played.size(), 6);
+    for (int k = 0; k < 6; ++k)
         for (int i = 0; i < band.raw(); ++i) {
             const bool signal = band.mhz(i) >= 2437 && band.mhz(i) < 2438;
-            QCOMPARE(r.data[i], signal ? (k % 2 ? -70 : -50) : -90);
+            QCOMPARE(played[k].value(i), signal ? (k % 2 ? -70 : -50) : -90);
         }
-    }
-    QCOMPARE(run.next(700).type, char(0));
 }
 
 // A 512 MB line (a sparse file: no disk needed) ahead of a good row costs the engine no more
@@ -120,10 +115,9 @@ void TestEngineReplay::replayHugeLineInBoundedMemory()
     f.write("\n" + csvRow(std::llround(grid.lowEdgeHz()), {-40}));
     f.close();
     Run run({"WSA_SOURCE=replay", "WSA_REPLAY_FILE=" + f.fileName()});
-    QVERIFY(isConfigured(run.next(10000), Band{false}));
-    stSweep r;
-    QVERIFY(run.nextSweep(r, grid.raw));
-    QCOMPARE(r.data[0], -40);
+    const QList<QVector<int>> played = replayed(run, Band{false}, 10000);
+    QCOMPARE(played.size(), 1);
+    QCOMPARE(played[0].value(0), -40);
     QFile status(QString("/proc/%1/status").arg(run.proc.processId()));
     QVERIFY(status.open(QIODevice::ReadOnly));
     const QString text = status.readAll();
@@ -156,15 +150,14 @@ void TestEngineReplay::documentedSampleLineParses()
             if (lowMHz * 1e6 >= b.lowHz && lowMHz * 1e6 < b.highHz)
                 band.id = b.id;
         Run run({"WSA_SOURCE=replay", "WSA_REPLAY_FILE=" + f.fileName()}, band.args());
-        QVERIFY(isConfigured(run.next(), band));
-        stSweep r;
-        QVERIFY(run.nextSweep(r, band.raw()));
+        const QList<QVector<int>> played = replayed(run, band);
+        QCOMPARE(played.size(), 1);
         int matched = 0;
         for (int i = 0; i < band.shown(); ++i) {
             const int k = int(std::floor((band.mhz(i) - lowMHz) / binMHz));
             if (k < 0 || 6 + k >= fields.size())
                 continue;
-            QCOMPARE(r.data[i], int(std::lround(fields[6 + k].toDouble())));
+            QCOMPARE(played[0].value(i), int(std::lround(fields[6 + k].toDouble())));
             ++matched;
         }
         QVERIFY(matched > 0);

@@ -135,12 +135,7 @@ void TestEngineSources::noOrphanSweeper()
         shutdown(run.link, SHUT_RDWR);
     QVERIFY(run.proc.waitForFinished(5000));
     // As our orphan it would never end; ended, it is ours to collect.
-    QDeadlineTimer deadline(3000);
-    pid_t reaped = 0;
-    while (reaped == 0 && !deadline.hasExpired()) {
-        reaped = waitpid(sweeper, nullptr, WNOHANG);
-        QTest::qWait(reaped == 0 ? 20 : 0);
-    }
+    QTRY_VERIFY_WITH_TIMEOUT(waitpid(sweeper, nullptr, WNOHANG) != 0, 3000);
     QVERIFY(kill(sweeper, 0) == -1 && errno == ESRCH);
 }
 

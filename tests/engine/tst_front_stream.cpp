@@ -26,17 +26,19 @@ public:
     }
 };
 
-// Records the time stamp of every sweep the source offers.
+// Records the time stamp of every sweep the source offers, and counts them for other threads.
 class Stamps : public SweepObserver
 {
 public:
     std::vector<double> seconds;
     std::vector<long long> atNs;
+    std::atomic<int> offered{0};
     const ScriptClock* clock = nullptr;
     void take(const float*, int, double timeSeconds) override
     {
         seconds.push_back(timeSeconds);
         atNs.push_back(clock->peekNs());
+        ++offered;
     }
 };
 
@@ -203,25 +205,18 @@ void TestFrontStream::replayControls()
     std::atomic<int> offeredAtPause{-1};
     Stamps stamps;
     stamps.clock = &clock;
-    std::atomic<std::size_t> offered{0};
     peer.onReplay = [&](const wsa::ReplayFrame& f) {
         if (f.paused && offeredAtPause < 0) {
-            offeredAtPause = int(offered);
+            offeredAtPause = int(stamps.offered);
             QTest::qSleep(300);
-            QCOMPARE(int(offered), int(offeredAtPause));
+            QCOMPARE(int(stamps.offered), int(offeredAtPause));
             peer.send(wsa::ControlCommand::Pause, 0);
         }
     };
-    struct Counter : SweepObserver {
-        std::atomic<std::size_t>* n;
-        void take(const float*, int, double) override { ++*n; }
-    } counter;
-    counter.n = &offered;
     FrontSocketSink sink(peer.engineEnd(), FrontSocketSink::Mode::Full, band24(), "replay", clock);
     Engine engine(band24(), clock, Detector::Peak, 1000);
     engine.addSink(&sink);
     engine.addObserver(&stamps);
-    engine.addObserver(&counter);
     peer.start();
     QCOMPARE(findSource("replay")->make(settings, band24())->run(engine), 0);
     peer.stop();

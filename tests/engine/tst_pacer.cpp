@@ -13,11 +13,18 @@
 namespace
 {
 
+// Counts the sweeps it sees and sums their levels, each weighted by its place.
 class CountingObserver : public SweepObserver
 {
 public:
     int sweeps = 0;
-    void take(const float*, int, double) override { ++sweeps; }
+    double digest = 0;
+    void take(const float* dbm, int n, double) override
+    {
+        for (int i = 0; i < n; ++i)
+            digest += dbm[i] * double(i + 1) * (sweeps + 1);
+        ++sweeps;
+    }
 };
 
 std::vector<double> flat(double dbm)
@@ -47,6 +54,7 @@ struct Outcome {
     std::string events;
     std::vector<std::vector<int>> sweeps;
     int observed = 0;
+    double digest = 0;
 };
 
 Outcome runSource(const wsa::Band& band, Source& source, const Clock& clock, double rate)
@@ -61,6 +69,7 @@ Outcome runSource(const wsa::Band& band, Source& source, const Clock& clock, dou
     out.events = sink.events;
     out.sweeps = sink.sweeps;
     out.observed = observer.sweeps;
+    out.digest = observer.digest;
     return out;
 }
 
@@ -85,8 +94,7 @@ private slots:
     void neverQueuesBehindSlowReader();
     void resumesWithoutBurst();
     void sinkFailureStops();
-    void observersSeeEverySweep();
-    void twoEnginesInOneProcess();
+    void enginesSideBySide();
 };
 
 // Sweeps every 10 ms for a second reach the sinks ten times at 10 records a second.
@@ -98,7 +106,8 @@ void TestPacer::outputRate()
         QCOMPARE(step.result, SinkResult::Ok);
         // Between slots it asks to be woken for the next one, never later.
         const long long now = p.clock.peekNs();
-        QVERIFY(!p.pacer.pending() || (step.wakeNs >= now - 10 && step.wakeNs <= now + 100000000LL));
+        QVERIFY(!p.pacer.pending() ||
+                (step.wakeNs >= now - 10 && step.wakeNs <= now + 100000000LL));
         p.clock.advanceMs(10);
     }
     QVERIFY2(p.sink.sweeps.size() >= 10 && p.sink.sweeps.size() <= 11,
@@ -173,25 +182,10 @@ void TestPacer::sinkFailureStops()
     QVERIFY(p.sink.sweeps.empty()); // a recording holds only what the analyzer was sent
 }
 
-// The simulated probe at 1000 sweeps a second, paced to 8 records a second: the sinks get few,
-// the observers every one.
-void TestPacer::observersSeeEverySweep()
-{
-    for (const wsa::Band& band : wsa::allBands()) {
-        ScriptClock clock(2000000); // 2 ms a reading: no real waiting
-        auto source = findSource("sim")->make(simSettings("5", "200"), band);
-        const Outcome out = runSource(band, *source, clock, 8);
-        QCOMPARE(out.status, 0);
-        QCOMPARE(out.observed, 200);
-        QVERIFY2(out.sweeps.size() >= 2 && out.sweeps.size() < 20,
-                 qPrintable(QString::number(out.sweeps.size())));
-        QCOMPARE(out.events.substr(0, 2), std::string("CS"));
-    }
-}
-
-// Two engines run at once, each with its own source, give what each gives alone: nothing is
-// shared between them. One pair is simulated probes, one pair reads sweep programs.
-void TestPacer::twoEnginesInOneProcess()
+// Engines run at once, each with its own source, give what each gives alone: nothing is shared
+// between them. Simulated probes at 1000 sweeps a second, paced to 8 records a second: the sinks
+// get few, the observers every one; sweep programs, paced to 1000, give every sweep.
+void TestPacer::enginesSideBySide()
 {
     QTemporaryDir tmp;
     const wsa::Band& b5 = *wsa::findBand(wsa::BandId::Ghz5);
@@ -205,45 +199,52 @@ void TestPacer::twoEnginesInOneProcess()
                 f.write(csvRow(qint64(hz), {-60, -61, -62, -63, band == &b5 ? -40. : -50.}, k));
         commands.push_back({{"cat", f.fileName().toStdString()}, 0, {}});
     }
-    const auto runBoth = [&](bool together) {
-        std::vector<Outcome> out(4);
+    const int sims = int(wsa::allBands().size());
+    const auto runAll = [&](bool together) {
+        std::vector<Outcome> out(std::size_t(sims + 2));
         const auto job = [&](int i) {
-            const wsa::Band& band = i % 2 ? b5 : band24();
-            ScriptClock clock(2000000);
+            const wsa::Band& band = i < sims ? wsa::allBands()[std::size_t(i)]
+                                    : i % 2  ? b5
+                                             : band24();
+            ScriptClock clock(2000000); // 2 ms a reading: no real waiting
             std::unique_ptr<Source> source =
-                i < 2 ? findSource("sim")->make(simSettings(i ? "9" : "3", "40"), band)
-                      : makeSweepProgramSource(commands[std::size_t(i % 2)], band);
-            out[std::size_t(i)] = runSource(band, *source, clock, 1000);
+                i < sims ? findSource("sim")->make(simSettings(i % 2 ? "9" : "3", "200"), band)
+                         : makeSweepProgramSource(commands[std::size_t(i % 2)], band);
+            out[std::size_t(i)] = runSource(band, *source, clock, i < sims ? 8 : 1000);
         };
-        if (together) {
-            std::vector<std::thread> threads;
-            for (int i = 0; i < 4; ++i)
+        std::vector<std::thread> threads;
+        for (int i = 0; i < sims + 2; ++i)
+            if (together)
                 threads.emplace_back(job, i);
-            for (std::thread& t : threads)
-                t.join();
-        } else {
-            for (int i = 0; i < 4; ++i)
+            else
                 job(i);
-        }
+        for (std::thread& t : threads)
+            t.join();
         return out;
     };
-    const std::vector<Outcome> alone = runBoth(false), together = runBoth(true);
-    for (int i = 0; i < 2; ++i) {
-        QCOMPARE(together[i].sweeps, alone[i].sweeps);
-        QCOMPARE(together[i].observed, 40);
-    }
-    // A program's sweeps all look alike, however pacing combines them.
-    for (int i = 2; i < 4; ++i) {
-        const Outcome& o = together[std::size_t(i)];
+    const std::vector<Outcome> alone = runAll(false), together = runAll(true);
+    for (std::size_t i = 0; i < alone.size(); ++i) {
+        const Outcome& o = together[i];
+        QCOMPARE(o.digest, alone[i].digest);
+        QCOMPARE(o.events.front(), 'C');
+        QCOMPARE(o.status, 0);
+        if (int(i) < sims) {
+            QCOMPARE(o.sweeps, alone[i].sweeps);
+            QCOMPARE(o.observed, 200);
+            QVERIFY2(o.sweeps.size() >= 2 && o.sweeps.size() < 20,
+                     qPrintable(QString::number(o.sweeps.size())));
+            continue;
+        }
         // A live stream's last sweep is whole only when the next begins, which never comes.
         QCOMPARE(o.observed, 49);
-        QCOMPARE(o.events.front(), 'C');
         QCOMPARE(o.events.back(), 'D'); // the program ended: the radio is lost
+        // A program's sweeps all look alike, however pacing combines them.
         for (const std::vector<int>& sweep : o.sweeps)
-            QCOMPARE(sweep, alone[std::size_t(i)].sweeps.front());
+            QCOMPARE(sweep, alone[i].sweeps.front());
         const std::vector<int>& first = o.sweeps.front();
-        const int shown = (i == 3 ? b5 : band24()).grid.shown;
-        QCOMPARE(*std::max_element(first.begin(), first.begin() + shown), i == 3 ? -40 : -50);
+        const bool high = i % 2;
+        const int shown = (high ? b5 : band24()).grid.shown;
+        QCOMPARE(*std::max_element(first.begin(), first.begin() + shown), high ? -40 : -50);
     }
 }
 
