@@ -130,11 +130,17 @@ public:
             }
         });
     }
+    // Ends the reading thread, if any, and reads what is left.
     void stop()
     {
         m_stop = true;
         if (m_thread.joinable())
             m_thread.join();
+        while (!log().eof && readOnce(0)) {
+            pollfd p{m_fds[1], POLLIN, 0};
+            if (::poll(&p, 1, 0) != 1)
+                break;
+        }
     }
     // Reads what is there within timeoutMs; false at the end of the stream.
     bool readOnce(int timeoutMs)
@@ -151,14 +157,6 @@ public:
         }
         m_reader->feed(bytes, std::size_t(n));
         return true;
-    }
-    void drain()
-    {
-        while (!log().eof && readOnce(0)) {
-            pollfd p{m_fds[1], POLLIN, 0};
-            if (::poll(&p, 1, 0) != 1)
-                break;
-        }
     }
     // Reads until `done` holds of the log, the stream ends or 5 s pass; whether `done` holds.
     bool readUntil(const std::function<bool(const Log&)>& done)
@@ -387,7 +385,7 @@ class MemorySink : public Sink
 public:
     bool isReady = true;
     SinkResult answer = SinkResult::Ok;
-    std::string events; // C configured, S sweep, N no probe, D disconnect, X damaged
+    std::string events; // C configured, S sweep, N no probe, D disconnect
     std::vector<std::vector<int>> sweeps;
     std::vector<std::pair<StatusReason, std::string>> reasons;
     std::vector<std::pair<std::int64_t, std::string>> recordings;
@@ -400,7 +398,6 @@ public:
         return note('S');
     }
     SinkResult fault(Fault f) override { return note(f == Fault::NoProbe ? 'N' : 'D'); }
-    SinkResult damaged(Damage, const int*, int) override { return note('X'); }
     void reason(StatusReason r, const std::string& text) override { reasons.emplace_back(r, text); }
     void recording(std::int64_t bytes, const std::string& path) override
     {

@@ -6,8 +6,6 @@
 
 #include "enginerun.h"
 
-Q_DECLARE_METATYPE(wsa::StatusCode)
-
 namespace
 {
 

@@ -10,8 +10,6 @@
 #include "recordsocket.h"
 #include "registry.h"
 
-Q_DECLARE_METATYPE(wsa::ControlCommand)
-
 namespace
 {
 
@@ -122,7 +120,7 @@ void TestFrontStream::statusCodes()
         } else {
             QCOMPARE(sink.fault(Fault(fault)), SinkResult::Ok);
         }
-        peer.drain();
+        peer.stop();
         const FrontPeer::Log log = peer.log();
         QCOMPARE(log.kinds, std::string("T"));
         QCOMPARE(int(log.statuses[0].first), code);
@@ -220,7 +218,6 @@ void TestFrontStream::replayControls()
     peer.start();
     QCOMPARE(findSource("replay")->make(settings, band24())->run(engine), 0);
     peer.stop();
-    peer.drain();
     // Configured with the grid and the source's name, then sweeps with their fractions of a dB,
     // then the replay's end: a last position and Status Ended.
     const FrontPeer::Log log = peer.log();

@@ -51,26 +51,16 @@ struct Paced {
 // What one engine delivers from a source run to its end.
 struct Outcome {
     int status = -1;
-    std::string events;
-    std::vector<std::vector<int>> sweeps;
-    int observed = 0;
-    double digest = 0;
+    MemorySink sink;
+    CountingObserver seen;
 };
 
-Outcome runSource(const wsa::Band& band, Source& source, const Clock& clock, double rate)
+void runSource(Outcome& out, const wsa::Band& band, Source& source, const Clock& clock, double rate)
 {
-    MemorySink sink;
-    CountingObserver observer;
     Engine engine(band, clock, Detector::Peak, rate);
-    engine.addSink(&sink);
-    engine.addObserver(&observer);
-    Outcome out;
+    engine.addSink(&out.sink);
+    engine.addObserver(&out.seen);
     out.status = source.run(engine);
-    out.events = sink.events;
-    out.sweeps = sink.sweeps;
-    out.observed = observer.sweeps;
-    out.digest = observer.digest;
-    return out;
 }
 
 Settings simSettings(const char* seed, const char* sweeps)
@@ -210,7 +200,7 @@ void TestPacer::enginesSideBySide()
             std::unique_ptr<Source> source =
                 i < sims ? findSource("sim")->make(simSettings(i % 2 ? "9" : "3", "200"), band)
                          : makeSweepProgramSource(commands[std::size_t(i % 2)], band);
-            out[std::size_t(i)] = runSource(band, *source, clock, i < sims ? 8 : 1000);
+            runSource(out[std::size_t(i)], band, *source, clock, i < sims ? 8 : 1000);
         };
         std::vector<std::thread> threads;
         for (int i = 0; i < sims + 2; ++i)
@@ -225,23 +215,23 @@ void TestPacer::enginesSideBySide()
     const std::vector<Outcome> alone = runAll(false), together = runAll(true);
     for (std::size_t i = 0; i < alone.size(); ++i) {
         const Outcome& o = together[i];
-        QCOMPARE(o.digest, alone[i].digest);
-        QCOMPARE(o.events.front(), 'C');
+        QCOMPARE(o.seen.digest, alone[i].seen.digest);
+        QCOMPARE(o.sink.events.front(), 'C');
         QCOMPARE(o.status, 0);
         if (int(i) < sims) {
-            QCOMPARE(o.sweeps, alone[i].sweeps);
-            QCOMPARE(o.observed, 200);
-            QVERIFY2(o.sweeps.size() >= 2 && o.sweeps.size() < 20,
-                     qPrintable(QString::number(o.sweeps.size())));
+            QCOMPARE(o.sink.sweeps, alone[i].sink.sweeps);
+            QCOMPARE(o.seen.sweeps, 200);
+            QVERIFY2(o.sink.sweeps.size() >= 2 && o.sink.sweeps.size() < 20,
+                     qPrintable(QString::number(o.sink.sweeps.size())));
             continue;
         }
         // A live stream's last sweep is whole only when the next begins, which never comes.
-        QCOMPARE(o.observed, 49);
-        QCOMPARE(o.events.back(), 'D'); // the program ended: the radio is lost
+        QCOMPARE(o.seen.sweeps, 49);
+        QCOMPARE(o.sink.events.back(), 'D'); // the program ended: the radio is lost
         // A program's sweeps all look alike, however pacing combines them.
-        for (const std::vector<int>& sweep : o.sweeps)
-            QCOMPARE(sweep, alone[i].sweeps.front());
-        const std::vector<int>& first = o.sweeps.front();
+        for (const std::vector<int>& sweep : o.sink.sweeps)
+            QCOMPARE(sweep, alone[i].sink.sweeps.front());
+        const std::vector<int>& first = o.sink.sweeps.front();
         const bool high = i % 2;
         const int shown = (high ? b5 : band24()).grid.shown;
         QCOMPARE(*std::max_element(first.begin(), first.begin() + shown), high ? -40 : -50);
