@@ -1,27 +1,37 @@
-// What the engine tests share: a band from the band plan, one engine run against the analyzer's
-// end of its link, and the stand-in sweep program.
+// What the engine tests share: a band from the band plan, one engine process and the ends of its
+// sockets, the window's end of a front-end stream, a scripted clock and a sink that keeps all.
 #ifndef TESTS_ENGINE_ENGINERUN_H
 #define TESTS_ENGINE_ENGINERUN_H
 
 #include <QtTest>
+#include <atomic>
 #include <cmath>
+#include <functional>
+#include <mutex>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <thread>
 #include <unistd.h>
 
 #include "bandplan.h"
+#include "clock.h"
+#include "enginecore.h"
+#include "frontstream.h"
 #include "halbrin_sa.h"
 
 inline const QString kStandIn = WSA_SOURCE_DIR "/tests/stand-ins/hackrf_sweep";
+
+inline const wsa::Band& band24()
+{
+    return *wsa::findBand(wsa::BandId::Ghz24);
+}
 
 // A band's grid as the band plan has it; `high` is the 5 GHz band, else `id` chooses.
 struct Band {
     bool high;
     wsa::BandId id = high ? wsa::BandId::Ghz5 : wsa::BandId::Ghz24;
     const wsa::Band& plan() const { return *wsa::findBand(id); }
-    double startMHz() const { return plan().grid.startHz / 1e6; }
-    double stepMHz() const { return plan().grid.stepHz / 1e6; }
     int shown() const { return plan().grid.shown; }
     int raw() const { return plan().grid.raw; }
     int floor() const { return plan().grid.floorDbm; }
@@ -37,66 +47,211 @@ inline const Band kBand6{false, wsa::BandId::Ghz6};
 
 Q_DECLARE_METATYPE(Band)
 
-// An engine run with no analyzer: nobody listens on its SERVERSOCK.
-struct Detached {
-    QTemporaryDir dir;
-    QProcess proc;
-    explicit Detached(const QStringList& env)
+// A row of sweep program output: 1 MHz bins from lowHz, one level each, at second `s`.
+inline QByteArray csvRow(qint64 lowHz, const QList<double>& dbm, double s = 0)
+{
+    QString row = QString("2024-03-01, 12:%1:%2, %3, %4, 1000000.00, 20")
+                      .arg(int(s) / 60, 2, 10, QChar('0'))
+                      .arg(std::fmod(s, 60.0), 9, 'f', 6, QChar('0'))
+                      .arg(lowHz)
+                      .arg(lowHz + 1000000 * dbm.size());
+    for (double level : dbm)
+        row += ", " + QString::number(level);
+    return (row + "\n").toLatin1();
+}
+
+// The window's end of a front-end socket: a socket pair whose far end is read, on a thread or on
+// demand, into a log of frames.
+class FrontPeer
+{
+public:
+    struct Log {
+        std::string kinds; // C configured, S sweep, T status, A analysis, R recording, P replay
+        std::vector<wsa::ConfiguredFrame> configured;
+        std::vector<std::vector<float>> sweeps;
+        std::vector<std::pair<wsa::StatusCode, std::string>> statuses;
+        std::vector<std::pair<std::int64_t, std::string>> recordings;
+        std::vector<wsa::ReplayFrame> replays;
+        bool eof = false;
+    };
+    // Runs on the reading thread for every Replay frame.
+    std::function<void(const wsa::ReplayFrame&)> onReplay;
+
+    FrontPeer()
     {
-        QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
-        for (const QString& key : e.keys())
-            if (key.startsWith("WSA_"))
-                e.remove(key);
-        for (const QString& setting : env)
-            e.insert(setting.section('=', 0, 0), setting.section('=', 1));
-        proc.setProcessEnvironment(e);
-        proc.setWorkingDirectory(dir.path());
-        QFile::link(WSA_ENGINE_BIN, dir.filePath("engine"));
-        proc.start(dir.filePath("engine"), {});
+        socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, m_fds);
+        wsa::FrameReader::Handlers h;
+        h.configured = [this](const wsa::ConfiguredFrame& f) { note('C').configured.push_back(f); };
+        h.sweep = [this](const wsa::SweepFrame& f) {
+            note('S').sweeps.emplace_back(f.dbm, f.dbm + f.bins);
+        };
+        h.status = [this](wsa::StatusCode c, const std::string& t) {
+            note('T').statuses.emplace_back(c, t);
+        };
+        h.analysis = [this](const std::string&) { note('A'); };
+        h.recording = [this](std::int64_t b, const std::string& p) {
+            note('R').recordings.emplace_back(b, p);
+        };
+        h.replay = [this](const wsa::ReplayFrame& f) {
+            note('P').replays.push_back(f);
+            if (onReplay)
+                onReplay(f);
+        };
+        m_reader = std::make_unique<wsa::FrameReader>(h);
     }
-    ~Detached() { proc.kill(), proc.waitForFinished(); }
-    // The rows recorded, in the one file expected.
-    QStringList rows() const
+    ~FrontPeer()
     {
-        const QDir rec(dir.filePath("rec"));
-        const QStringList files = rec.entryList(QDir::Files);
-        QFile f(files.size() == 1 ? rec.filePath(files[0]) : QString());
-        if (!f.open(QIODevice::ReadOnly))
-            return {};
-        return QString(f.readAll()).split('\n', Qt::SkipEmptyParts);
+        stop();
+        close(m_fds[1]);
+        if (!m_taken)
+            close(m_fds[0]);
     }
+
+    // The engine's end, for a sink to take over.
+    int engineEnd()
+    {
+        m_taken = true;
+        return m_fds[0];
+    }
+    int windowEnd() const { return m_fds[1]; }
+    // A connection accepted on `listener` within 5 s becomes the window's end.
+    bool acceptFrom(int listener)
+    {
+        pollfd p{listener, POLLIN, 0};
+        const int fd = poll(&p, 1, 5000) == 1 ? accept(listener, nullptr, nullptr) : -1;
+        const bool taken = fd >= 0 && dup2(fd, m_fds[1]) >= 0;
+        close(fd);
+        return taken;
+    }
+    void start()
+    {
+        m_thread = std::thread([this] {
+            while (!m_stop && readOnce(10)) {
+            }
+        });
+    }
+    // Ends the reading thread, if any, and reads what is left.
+    void stop()
+    {
+        m_stop = true;
+        if (m_thread.joinable())
+            m_thread.join();
+        while (!log().eof && readOnce(0)) {
+            pollfd p{m_fds[1], POLLIN, 0};
+            if (::poll(&p, 1, 0) != 1)
+                break;
+        }
+    }
+    // Reads what is there within timeoutMs; false at the end of the stream.
+    bool readOnce(int timeoutMs)
+    {
+        pollfd p{m_fds[1], POLLIN, 0};
+        if (::poll(&p, 1, timeoutMs) != 1)
+            return true;
+        char bytes[65536];
+        const ssize_t n = recv(m_fds[1], bytes, sizeof bytes, MSG_DONTWAIT);
+        if (n <= 0) {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_log.eof = n == 0;
+            return n < 0 && errno == EAGAIN;
+        }
+        m_reader->feed(bytes, std::size_t(n));
+        return true;
+    }
+    // Reads until `done` holds of the log, the stream ends or 5 s pass; whether `done` holds.
+    bool readUntil(const std::function<bool(const Log&)>& done)
+    {
+        QElapsedTimer t;
+        t.start();
+        while (!done(log()) && !log().eof && t.elapsed() < 5000)
+            readOnce(50);
+        return done(log());
+    }
+    void send(wsa::ControlCommand command, double value) const
+    {
+        std::vector<char> frame;
+        wsa::encodeControl(frame, command, value);
+        sendRaw(frame.data(), frame.size());
+    }
+    void sendRaw(const char* bytes, std::size_t size) const
+    {
+        QCOMPARE(::send(m_fds[1], bytes, size, MSG_NOSIGNAL), ssize_t(size));
+    }
+    Log log()
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_log;
+    }
+
+private:
+    Log& note(char kind)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_log.kinds += kind;
+        return m_log;
+    }
+
+    int m_fds[2] = {-1, -1};
+    bool m_taken = false;
+    std::unique_ptr<wsa::FrameReader> m_reader;
+    std::mutex m_mutex;
+    Log m_log;
+    std::atomic<bool> m_stop{false};
+    std::thread m_thread;
 };
 
-// One engine and the analyzer's end of its link. Only the given WSA_* and STANDIN_* settings
-// reach it. Every wait is bounded.
+// One engine process in its own directory. Only the given WSA_* and STANDIN_* settings reach it;
+// "{dir}" in a setting stands for the directory. Every wait is bounded.
 struct Run {
+    enum Listen {
+        Analyzer, // at ./SERVERSOCK from the start
+        Late,     // at ./SERVERSOCK only a while after the start, as the analyzer: it must retry
+        Window,   // at WSA_FRONT_SOCKET=<dir>/front, into `peer`; ./SERVERSOCK listens unasked
+        Status,   // at ./SERVERSOCK and at WSA_STATUS_SOCKET=<dir>/status, into `peer`
+        Nobody,
+    };
     QTemporaryDir dir;
     QProcess proc;
-    int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+    int listener = -1;
     int link = -1;
+    FrontPeer peer;
+    bool peerTaken = false;
 
-    explicit Run(const QStringList& env, const QStringList& args = {})
+    explicit Run(QStringList env, const QStringList& args = {}, Listen how = Analyzer)
     {
         QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
         for (const QString& key : e.keys())
             if (key.startsWith("WSA_") || key.startsWith("STANDIN_"))
                 e.remove(key);
+        if (how == Window || how == Status)
+            env << (how == Window ? "WSA_FRONT_SOCKET={dir}/front"
+                                  : "WSA_STATUS_SOCKET={dir}/status");
         for (const QString& setting : env)
-            e.insert(setting.section('=', 0, 0), setting.section('=', 1));
+            e.insert(setting.section('=', 0, 0),
+                     setting.section('=', 1).replace("{dir}", dir.path()));
         proc.setProcessEnvironment(e);
         proc.setWorkingDirectory(dir.path());
-        sockaddr_un addr{AF_UNIX, {}};
-        qstrncpy(addr.sun_path, qPrintable(dir.filePath("SERVERSOCK")), sizeof addr.sun_path);
-        bind(listener, reinterpret_cast<sockaddr*>(&addr), sizeof addr);
-        listen(listener, 1);
+        const int front = how == Window   ? listenAt("front")
+                          : how == Status ? listenAt("status")
+                                          : -1;
+        if (how != Late && how != Nobody)
+            listener = listenAt("SERVERSOCK");
         // Under a name of its own: analyzers in concurrent tests kill engines by name.
         QFile::link(WSA_ENGINE_BIN, dir.filePath("engine"));
         proc.start(dir.filePath("engine"), args);
-        pollfd p{listener, POLLIN, 0};
-        if (poll(&p, 1, 5000) == 1)
-            link = accept(listener, nullptr, nullptr);
-        const timeval timeout{5, 0};
-        setsockopt(link, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+        if (how == Late) {
+            QTest::qWait(300);
+            listener = listenAt("SERVERSOCK");
+        }
+        if (how != Window && how != Nobody) {
+            pollfd p{listener, POLLIN, 0};
+            if (poll(&p, 1, 5000) == 1)
+                link = accept(listener, nullptr, nullptr);
+            const timeval timeout{5, 0};
+            setsockopt(link, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+        }
+        if (front >= 0)
+            peerTaken = peer.acceptFrom(front), close(front);
     }
     ~Run()
     {
@@ -104,6 +259,15 @@ struct Run {
         proc.kill(), proc.waitForFinished();
     }
 
+    int listenAt(const QString& name) const
+    {
+        const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_un addr{AF_UNIX, {}};
+        qstrncpy(addr.sun_path, qPrintable(dir.filePath(name)), sizeof addr.sun_path);
+        bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr);
+        listen(fd, 1);
+        return fd;
+    }
     // The next record; type 0 when none came within timeoutMs, -1 when the link closed.
     stSweep next(int timeoutMs = 5000)
     {
@@ -132,6 +296,16 @@ struct Run {
             *all = lines;
         return lines.filter(QRegularExpression("^wsa_raw: "));
     }
+    // The rows recorded, in the one file expected in `sub`.
+    QStringList rows(const QString& sub = "rec") const
+    {
+        const QDir rec(dir.filePath(sub));
+        const QStringList files = rec.entryList(QDir::Files);
+        QFile f(rec.filePath(files.value(0)));
+        if (files.size() != 1 || !f.open(QIODevice::ReadOnly))
+            return {};
+        return QString(f.readAll()).split('\n', Qt::SkipEmptyParts);
+    }
 };
 
 inline QStringList standIn(const QStringList& more = {})
@@ -147,7 +321,100 @@ inline bool isConfigured(const stSweep& r, const Band& band)
     const wsa::SourceGrid& g = band.plan().grid;
     return r.type == SA_MSG_CONFIGURED && r.num_samples == band.raw() &&
            r.data[0] == std::lround(g.startHz / 1e6) && r.data[1] == std::lround(g.endHz / 1e6) &&
-           r.data[2] == std::lround(band.stepMHz() * 1000);
+           r.data[2] == std::lround(g.stepHz / 1e3);
 }
+
+// What a replay sends after its Configured record until it is quiet for 700 ms: the sweeps, an
+// empty one for any other record.
+inline QList<QVector<int>> replayed(Run& run, const Band& band, int firstMs = 5000)
+{
+    if (!isConfigured(run.next(firstMs), band))
+        return {{}};
+    QList<QVector<int>> sweeps;
+    for (stSweep r = run.next(); r.type != 0; r = run.next(700))
+        sweeps << (r.type == SA_MSG_SWEEP && r.num_samples == band.raw()
+                       ? QVector<int>(r.data, r.data + band.raw())
+                       : QVector<int>());
+    return sweeps;
+}
+
+// Each reading moves fake time on by `tick` and runs the steps that have come due. With no tick,
+// time is the real time since the clock's construction: waits then take as long as they say.
+class ScriptClock : public Clock
+{
+public:
+    explicit ScriptClock(long long tickNs, long long startNs = 0)
+        : m_tickNs(tickNs), m_real(tickNs == 0), m_nowNs(startNs)
+    {
+    }
+    void at(double ms, std::function<void()> action)
+    {
+        m_steps.push_back({(long long)(ms * 1e6), std::move(action)});
+    }
+    long long nowNs() const override
+    {
+        const long long now = m_real ? m_nowNs = m_elapsed.nsecsElapsed() : m_nowNs += m_tickNs;
+        while (m_next < m_steps.size() && now >= m_steps[m_next].atNs)
+            m_steps[m_next++].action();
+        return now;
+    }
+    // The time without a reading.
+    long long peekNs() const { return m_nowNs; }
+    void advanceMs(double ms) { m_nowNs += (long long)(ms * 1e6); }
+
+private:
+    struct Step {
+        long long atNs;
+        std::function<void()> action;
+    };
+    long long m_tickNs;
+    bool m_real;
+    QElapsedTimer m_elapsed = [] {
+        QElapsedTimer t;
+        t.start();
+        return t;
+    }();
+    mutable std::atomic<long long> m_nowNs;
+    mutable std::size_t m_next = 0;
+    std::vector<Step> m_steps;
+};
+
+// A sink that keeps everything it is given and answers as told.
+class MemorySink : public Sink
+{
+public:
+    bool isReady = true;
+    SinkResult answer = SinkResult::Ok;
+    std::string events; // C configured, S sweep, N no probe, D disconnect
+    std::vector<std::vector<int>> sweeps;
+    std::vector<std::pair<StatusReason, std::string>> reasons;
+    std::vector<std::pair<std::int64_t, std::string>> recordings;
+
+    bool ready() const override { return isReady; }
+    SinkResult announce(const wsa::Announcement&) override { return note('C'); }
+    SinkResult sweep(const int* levels, int count) override
+    {
+        sweeps.emplace_back(levels, levels + count);
+        return note('S');
+    }
+    SinkResult fault(Fault f) override { return note(f == Fault::NoProbe ? 'N' : 'D'); }
+    void reason(StatusReason r, const std::string& text) override { reasons.emplace_back(r, text); }
+    void recording(std::int64_t bytes, const std::string& path) override
+    {
+        recordings.emplace_back(bytes, path);
+    }
+    int count(StatusReason reason) const
+    {
+        return int(std::count_if(reasons.begin(), reasons.end(),
+                                 [&](const auto& r) { return r.first == reason; }));
+    }
+
+private:
+    SinkResult note(char c)
+    {
+        events += c;
+        return answer;
+    }
+};
 
 #endif

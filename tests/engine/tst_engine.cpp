@@ -1,90 +1,94 @@
-// The wsa_raw engine as the analyzer sees it: started in a directory where the test listens on
-// ./SERVERSOCK, read record by record.
+// The wsa_raw engine as the analyzer sees it, record by record, whatever its source does: the
+// simulated probe's bands and faults, a sweep program that fails or goes, recordings that cannot
+// be played or made; what it says on stderr and, when asked, on a status socket.
 #include <QtTest>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
-#include "bandplan.h"
-#include "halbrin_sa.h"
+#include "enginerun.h"
 
-// One engine in its own directory and the analyzer's end of its link; every wait is bounded.
-struct Engine {
-    QTemporaryDir dir;
-    QProcess proc;
-    int listener = socket(AF_UNIX, SOCK_STREAM, 0);
-    int link = -1;
-    const wsa::Band& band;
-    int samples;
+namespace
+{
+
+// Reads the link as the records of `kinds` (see TestEngine::stream_data).
+struct Reader {
+    Run& run;
+    const Band band;
     std::vector<int> levels; // of every sweep read so far
 
-    // Fast sweeps, each sent as it comes, unless `env` ("NAME=value ...") sets the rates.
-    // Listens only a while after the start, as the analyzer does: the engine has to retry.
-    Engine(const QStringList& args, const QString& env = {})
-        : band(bandOf(args)), samples(band.simAnnouncement.samples)
+    int samples() const { return band.plan().simAnnouncement.samples; }
+
+    // The kinds up to the first that did not come; empty when all came.
+    QString mismatch(const QString& kinds)
     {
-        proc.setEnvironment(QProcess::systemEnvironment()
-                            << "WSA_SIM_RATE=200"
-                            << "WSA_OUTPUT_RATE=200" << env.split(' '));
-        proc.setWorkingDirectory(dir.path());
-        // Under a name of its own: analyzers in concurrent tests kill engines by name.
-        QFile::link(WSA_ENGINE_BIN, dir.filePath("engine"));
-        proc.start(dir.filePath("engine"), args);
-        QTest::qWait(300);
-        sockaddr_un addr{AF_UNIX, {}};
-        qstrncpy(addr.sun_path, qPrintable(dir.filePath("SERVERSOCK")), sizeof addr.sun_path);
-        const timeval timeout{5, 0}; // bounds accept and every recv
-        setsockopt(listener, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
-        bind(listener, reinterpret_cast<sockaddr*>(&addr), sizeof addr);
-        listen(listener, 1);
-        link = accept(listener, nullptr, nullptr); // -1 if anything failed
-        setsockopt(link, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+        for (int i = 0; i < kinds.size(); ++i) {
+            stSweep r{};
+            int bytes = read(kinds[i].toLatin1(), r);
+            if (kinds[i] == '*') { // sweeps, as many as come, up to what the next letter names
+                while (bytes == SA_RECORD_SIZE && r.type == SA_MSG_SWEEP)
+                    bytes = read('S', r);
+                ++i;
+            }
+            if (i == kinds.size() || !meets(kinds[i].toLatin1(), r, bytes))
+                return kinds.left(i + 1);
+        }
+        return {};
     }
-
-    ~Engine() { close(link), close(listener), proc.kill(), proc.waitForFinished(); }
-
-    // The band of "-r N" in one word or two; the first band without.
-    static const wsa::Band& bandOf(const QStringList& args)
+    int read(char kind, stSweep& r)
     {
-        const QString n = args.join(' ').mid(3);
-        for (const wsa::Band& b : wsa::allBands())
-            if (n == QString::number(b.engineNumber))
-                return b;
-        return wsa::allBands().front();
-    }
-
-    // Whether what comes next on the link is of `kind` (see TestEngine::stream_data).
-    bool expect(char kind)
-    {
-        stSweep r{};
         const int flags = kind == 'X' ? 0 : kind == 'Q' ? MSG_PEEK | MSG_DONTWAIT : MSG_WAITALL;
         QTest::qWait(kind == 'Q' ? 500 : 0);
-        const int bytes = kind == 'L' ? 0 : int(recv(link, &r, sizeof r, flags));
+        const int bytes = kind == 'L' ? 0 : int(recv(run.link, &r, sizeof r, flags));
         if (kind == 'S')
-            levels.insert(levels.end(), r.data, r.data + samples);
+            levels.insert(levels.end(), r.data, r.data + samples());
         std::sort(levels.begin(), levels.end());
+        return bytes;
+    }
+    bool meets(char kind, const stSweep& r, int bytes) const
+    {
         const bool whole = bytes == SA_RECORD_SIZE;
         // The probe's bins start at the grid's first cell and its shown ones end at the last.
-        const wsa::SourceGrid& g = band.grid;
+        const wsa::SourceGrid& g = band.plan().grid;
         const int lastShownKHz = r.data[0] * 1000 + (g.shown - 1) * r.data[2];
-        const QHash<char, bool> meets{
-            {'C', whole && r.type == SA_MSG_CONFIGURED && r.num_samples == samples &&
-                      r.data[0] == std::lround(g.startHz / 1e6) &&
-                      qAbs(lastShownKHz - g.endHz / 1e3) <= 1000},
-            {'S', whole && r.type == SA_MSG_SWEEP && r.num_samples == samples},
-            {'X', bytes > 8 && bytes < SA_RECORD_SIZE && r.type == SA_MSG_SWEEP},
-            {'B', whole && r.type == SA_MSG_SWEEP && uint(r.num_samples) > SA_MAX_SAMPLES},
-            {'U', whole && (r.type < SA_MSG_DISCONNECT || r.type > SA_MSG_NO_DEVICE)},
-            {'D', whole && r.type == SA_MSG_DISCONNECT},
-            {'N', whole && r.type == SA_MSG_NO_DEVICE},
-            {'E', bytes == 0},
-            {'K', bytes == 0},
-            {'Q', bytes < 0 && proc.state() == QProcess::Running},
-            {'L', !levels.empty() && qAbs(levels[levels.size() / 2] + 93) <= 4 &&
-                      levels.back() > -60 && levels.back() < 0}};
-        return meets.value(kind);
+        switch (kind) {
+        case 'C':
+            return whole && r.type == SA_MSG_CONFIGURED && r.num_samples == samples() &&
+                   r.data[0] == std::lround(g.startHz / 1e6) &&
+                   qAbs(lastShownKHz - g.endHz / 1e3) <= 1000;
+        case 'S':
+            return whole && r.type == SA_MSG_SWEEP && r.num_samples == samples();
+        case 'X':
+            return bytes > 8 && bytes < SA_RECORD_SIZE && r.type == SA_MSG_SWEEP;
+        case 'B':
+            return whole && r.type == SA_MSG_SWEEP && uint(r.num_samples) > SA_MAX_SAMPLES;
+        case 'U':
+            return whole && (r.type < SA_MSG_DISCONNECT || r.type > SA_MSG_NO_DEVICE);
+        case 'D':
+            return whole && r.type == SA_MSG_DISCONNECT;
+        case 'N':
+            return whole && r.type == SA_MSG_NO_DEVICE;
+        case 'E':
+        case 'K':
+            return bytes == 0;
+        case 'Q':
+            return bytes < 0 && run.proc.state() == QProcess::Running;
+        case 'L':
+            return !levels.empty() && qAbs(levels[levels.size() / 2] + 93) <= 4 &&
+                   levels.back() > -60 && levels.back() < 0;
+        }
+        return false;
     }
 };
+
+// The band of "-r N"; the first band without.
+Band bandOf(const QStringList& args)
+{
+    for (const wsa::Band& b : wsa::allBands())
+        if (args.join(' ') == "-r " + QString::number(b.engineNumber))
+            return Band{false, b.id};
+    return Band{false};
+}
+
+} // namespace
 
 class TestEngine : public QObject
 {
@@ -97,44 +101,134 @@ private slots:
 };
 
 // The records in order (C configured, S sweep, X a sweep cut short, B a sweep with an impossible
-// count, U an unknown type, D disconnect, N no device, E end of stream, K end by a crash), Q for
-// nothing during half a second, L for a noise floor near -95 dBm and a strong signal in the
-// sweeps so far. Then the test hangs up and the engine must leave.
+// count, U an unknown type, D disconnect, N no device, E end of stream, K end by a crash, * any
+// number of sweeps), Q for nothing during half a second, L for a noise floor near -95 dBm and a
+// strong signal in the sweeps so far. Then the test hangs up and the engine must leave. The one
+// line on stderr, if any, holds `said`; a status socket, when a code is given, gets that code and
+// `told` in one Status. {file} is a recording of `content`: none if null, a FIFO for "fifo".
 void TestEngine::stream_data()
 {
-    QTest::addColumn<QString>("env");
+    QTest::addColumn<QStringList>("env");
     QTest::addColumn<QStringList>("args");
+    QTest::addColumn<QString>("content");
     QTest::addColumn<QString>("records");
+    QTest::addColumn<QString>("said");
+    QTest::addColumn<int>("code"); // -1: no status socket
+    QTest::addColumn<QString>("told");
+    const QStringList sim{"WSA_SIM_RATE=200", "WSA_OUTPUT_RATE=200"};
     const QString levels = "C" + QString(20, 'S') + "L";
-    const QStringList none;
-    QTest::newRow("2.4 GHz") << "" << none << levels;
-    QTest::newRow("-r 2 in one word") << "" << QStringList{"-r 2"} << levels;
-    QTest::newRow("-r 2 in two words") << "" << QStringList{"-r", "2"} << levels;
+    const auto row = [](const char* name, const QStringList& env, const QString& records,
+                        const QString& said = {}, int code = -1, const QString& told = {},
+                        const QString& content = {}, const QStringList& args = {}) {
+        QTest::newRow(name) << env << args << content << records << said << code << told;
+    };
+    using C = wsa::StatusCode;
+    row("2.4 GHz", sim, levels);
+    row("-r 2", sim, levels, {}, -1, {}, {}, {"-r 2"});
     // Distant access points: a floor near -95 dBm, no signal as strong as at 2.4 or 5 GHz.
-    QTest::newRow("-r 3") << "" << QStringList{"-r 3"} << "C" + QString(20, 'S');
-    QTest::newRow("rate 0") << "WSA_SIM_RATE=0" << none << "CQ";
-    QTest::newRow("sweep limit") << "WSA_SIM_SWEEPS=3" << none << "CSSSQ";
-    QTest::newRow("no probe") << "WSA_SIM_NO_PROBE=1" << none << "NE";
-    QTest::newRow("lose after 3") << "WSA_SIM_LOSE_AFTER=3" << none << "CSSSDE";
-    QTest::newRow("die after 3") << "WSA_SIM_DIE_AFTER=3" << none << "CSSSK";
+    row("-r 3", sim, "C" + QString(20, 'S'), {}, -1, {}, {}, {"-r 3"});
+    row("rate 0", sim + QStringList{"WSA_SIM_RATE=0"}, "CQ");
+    row("sweep limit", sim + QStringList{"WSA_SIM_SWEEPS=3"}, "CSSSQ");
+    row("no probe", sim + QStringList{"WSA_SIM_NO_PROBE=1"}, "NE", {}, int(C::NoDevice));
+    row("lose after 3", sim + QStringList{"WSA_SIM_LOSE_AFTER=3"}, "CSSSDE", {},
+        int(C::DeviceLost));
+    row("die after 3", sim + QStringList{"WSA_SIM_DIE_AFTER=3"}, "CSSSK");
     // Slow enough that the cut sweep arrives on its own.
-    QTest::newRow("short after 2") << "WSA_SIM_RATE=5 WSA_SIM_SHORT_AFTER=2" << none << "CSSXS";
-    QTest::newRow("corrupt after 2")
-        << "WSA_SIM_CORRUPT_AFTER=2 WSA_SIM_SWEEPS=4" << none << "CSSBUSSQ";
+    row("short after 2", sim + QStringList{"WSA_SIM_RATE=5", "WSA_SIM_SHORT_AFTER=2"}, "CSSXS");
+    row("corrupt after 2", sim + QStringList{"WSA_SIM_CORRUPT_AFTER=2", "WSA_SIM_SWEEPS=4"},
+        "CSSBUSSQ");
+    // Measuring goes on without the recording.
+    row("recording directory is a file",
+        sim + QStringList{"WSA_SIM_RATE=20", "WSA_SIM_SWEEPS=3", "WSA_RECORD_DIR={file}"}, "CSSSQ",
+        "not recording", int(C::RecordingFailed), "{file}", "");
+
+    const QString noProgram = "/nonexistent/hackrf_sweep";
+    row("program missing", {"WSA_SOURCE=hackrf", "WSA_HACKRF_SWEEP=" + noProgram}, "NE",
+        "No such file", int(C::ProgramMissing),
+        noProgram + " is not installed: install the hackrf");
+    row("program not executable", {"WSA_SOURCE=hackrf", "WSA_HACKRF_SWEEP={file}"}, "NE",
+        "Permission denied", int(C::ProgramMissing), "{file} is not installed", "");
+    row("no program given", {"WSA_SOURCE=program"}, "NE", "WSA_SWEEP_PROGRAM is not set",
+        int(C::ProgramMissing), "WSA_SWEEP_PROGRAM");
+    // Three attempts, each ending in the program's usage text: only its failure, once.
+    row("device fails to open", standIn({"STANDIN_FAIL=1"}), "NE",
+        "ended before measuring: exit status 1 (hackrf_open() failed: HACKRF_ERROR_NOT_FOUND",
+        int(C::NoDevice), kStandIn + " ended before measuring");
+    row("ends before its first row", standIn({"STANDIN_SWEEPS=0"}), "NE", "ended");
+    // Still held by the engine a band change just killed.
+    row("device busy at the first attempt",
+        standIn({"STANDIN_BUSY_ONCE=busy", "STANDIN_SWEEPS=40"}), "CSSSS*DE", "lost");
+    row("lost mid-run, last line cut", standIn({"STANDIN_SWEEPS=40", "STANDIN_RATE=40"}),
+        "CSSSS*DE", "lost", int(C::DeviceLost), kStandIn);
+    // The program still runs but delivers nothing usable: lost after two seconds.
+    row("hangs after its first rows", standIn({"STANDIN_SWEEPS=40", "STANDIN_THEN=hang"}),
+        "CSSSS*DE", "gave no valid row for 2.0 s");
+    row("garbage after its first rows", standIn({"STANDIN_SWEEPS=40", "STANDIN_THEN=garbage"}),
+        "CSSSS*DE", "gave no valid row for 2.0 s");
+    row("unknown source", {"WSA_SOURCE=radio"}, "NE",
+        "unknown WSA_SOURCE=radio: use sim, hackrf, program or replay", int(C::BadSetting),
+        "unknown WSA_SOURCE=radio");
+
+    // Five 1 MHz bins at the bottom of the 2.4 GHz band.
+    const qint64 low = qint64(band24().lowHz);
+    const QString good = csvRow(low, {-70, -71, -72, -73, -74}, 5.25);
+    const QStringList replay{"WSA_SOURCE=replay", "WSA_REPLAY_FILE={file}"};
+    row("recording missing", replay, "NE", "cannot open {file}", int(C::FileMissing), "{file}");
+    row("no usable row", replay, "NE", "{file} has no sweep in this band", int(C::NoSweepInBand),
+        "{file} has no sweep in this band",
+        "date, time, hz_low\nnonsense\n" + good.left(good.lastIndexOf(", -72")) + "\n");
+    row("only a cut row", replay, "NE", "{file} has no sweep in this band", -1, {}, good.left(60));
+    row("other band", replay, "NE", "{file} has no sweep in this band", -1, {}, good,
+        Band{true}.args());
+    row("empty file", replay, "NE", "{file} is empty", int(C::FileEmpty), "{file}", "");
+    // Neither may be read as a recording: one never ends, the other may wait for ever.
+    row("device", {"WSA_SOURCE=replay", "WSA_REPLAY_FILE=/dev/zero"}, "NE",
+        "/dev/zero is not a regular file", int(C::FileUnreadable),
+        "/dev/zero is not a regular file");
+    row("FIFO without a writer", replay, "NE", "{file} is not a regular file", -1, {}, "fifo");
 }
 
 void TestEngine::stream()
 {
-    QFETCH(QString, env);
+    QFETCH(QStringList, env);
     QFETCH(QStringList, args);
+    QFETCH(QString, content);
     QFETCH(QString, records);
-    Engine e(args, env);
-    for (int i = 0; i < records.size(); ++i)
-        QVERIFY2(e.expect(records[i].toLatin1()), qPrintable(records.left(i + 1)));
-    shutdown(e.link, SHUT_RDWR); // the analyzer leaves, and the engine quietly unless it crashed
-    QVERIFY(e.proc.waitForFinished(5000) || e.proc.state() == QProcess::NotRunning);
-    QCOMPARE(e.proc.exitStatus() == QProcess::NormalExit && e.proc.exitCode() == 0,
+    QFETCH(QString, said);
+    QFETCH(int, code);
+    QFETCH(QString, told);
+    QTemporaryDir tmp;
+    const QString file = tmp.filePath("recording.csv");
+    if (content == "fifo") {
+        QCOMPARE(mkfifo(qPrintable(file), 0600), 0);
+    } else if (!content.isNull()) {
+        QFile f(file);
+        QVERIFY(f.open(QIODevice::WriteOnly) && f.write(content.toLatin1()) >= 0);
+    }
+    env.replaceInStrings("{file}", file);
+    Run run(env, args, code >= 0 ? Run::Status : Run::Late);
+    Reader reader{run, bandOf(args), {}};
+    const QString mismatch = reader.mismatch(records);
+    QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
+    shutdown(run.link, SHUT_RDWR); // the analyzer leaves, and the engine quietly unless it crashed
+    QVERIFY(run.proc.waitForFinished(5000) || run.proc.state() == QProcess::NotRunning);
+    QCOMPARE(run.proc.exitStatus() == QProcess::NormalExit && run.proc.exitCode() == 0,
              !records.endsWith('K'));
+    // Nothing but the engine's own line, if any: no usage text of a program that failed.
+    QStringList all;
+    const QStringList lines = run.complaints(&all);
+    QCOMPARE(all, lines);
+    QCOMPARE(lines.size(), int(!said.isEmpty()));
+    QVERIFY2(lines.join("").contains(said.replace("{file}", file)), qPrintable(lines.join("")));
+    if (code < 0)
+        return;
+    QVERIFY(run.peerTaken);
+    QVERIFY(run.peer.readUntil([](const FrontPeer::Log& l) { return l.eof; }));
+    const FrontPeer::Log log = run.peer.log();
+    QCOMPARE(log.kinds, std::string("T"));
+    QCOMPARE(int(log.statuses[0].first), code);
+    QVERIFY2(QString::fromStdString(log.statuses[0].second).contains(told.replace("{file}", file)),
+             log.statuses[0].second.c_str());
 }
 
 void TestEngine::sameSeedSameBytes()
@@ -142,10 +236,11 @@ void TestEngine::sameSeedSameBytes()
     QByteArray runs[3];
     for (int i = 0; i < 3; ++i) {
         // Slow enough that a busy machine never makes the output stage combine two sweeps.
-        Engine e({"-r 2"},
-                 QString("WSA_SIM_RATE=50 WSA_OUTPUT_RATE=50 WSA_SIM_SEED=%1").arg(i < 2 ? 7 : 8));
+        Run run({"WSA_SIM_RATE=50", "WSA_OUTPUT_RATE=50",
+                 "WSA_SIM_SEED=" + QString::number(i < 2 ? 7 : 8)},
+                {"-r 2"});
         runs[i].resize(20 * SA_RECORD_SIZE);
-        QCOMPARE(recv(e.link, runs[i].data(), size_t(runs[i].size()), MSG_WAITALL),
+        QCOMPARE(recv(run.link, runs[i].data(), size_t(runs[i].size()), MSG_WAITALL),
                  ssize_t(runs[i].size()));
     }
     QVERIFY(runs[0] == runs[1] && runs[0] != runs[2]);

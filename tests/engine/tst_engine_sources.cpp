@@ -2,7 +2,6 @@
 // (tests/stand-ins) feeds them. Every engine runs in its own directory and is read on its
 // ./SERVERSOCK.
 #include <QtTest>
-#include <pwd.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -22,13 +21,9 @@ private slots:
 
     void hackrfLevels_data();
     void hackrfLevels();
-    void hackrfFaults_data();
-    void hackrfFaults();
     void paceAndNeverQueue();
     void noOrphanSweeper_data();
     void noOrphanSweeper();
-    void refusesForeignListener_data();
-    void refusesForeignListener();
 };
 
 // The stand-in reads -70 dB everywhere but in the 1 MHz bin from signalMHz, where it alternates
@@ -91,67 +86,6 @@ void TestEngineSources::hackrfLevels()
     }
 }
 
-void TestEngineSources::hackrfFaults_data()
-{
-    QTest::addColumn<QStringList>("env");
-    QTest::addColumn<QString>("records"); // C configured, S sweep, D disconnect, N no probe
-    QTest::addColumn<QString>("reason");  // in the one line on stderr
-    QTest::newRow("program missing")
-        << QStringList{"WSA_SOURCE=hackrf", "WSA_HACKRF_SWEEP=/nonexistent/hackrf_sweep"} << "N"
-        << "No such file";
-    // Three attempts, each ending in the program's usage text: only its failure, once.
-    QTest::newRow("device fails to open") << standIn({"STANDIN_FAIL=1"}) << "N"
-                                          << "ended before measuring: exit status 1 "
-                                             "(hackrf_open() failed: HACKRF_ERROR_NOT_FOUND";
-    QTest::newRow("ends before its first row") << standIn({"STANDIN_SWEEPS=0"}) << "N"
-                                               << "ended";
-    // Still held by the engine a band change just killed.
-    QTest::newRow("device busy at the first attempt")
-        << standIn({"STANDIN_BUSY_ONCE=busy", "STANDIN_SWEEPS=40"}) << "CSSSSD"
-        << "lost";
-    QTest::newRow("lost mid-run, last line cut")
-        << standIn({"STANDIN_SWEEPS=40", "STANDIN_RATE=40"}) << "CSSSSD"
-        << "lost";
-    // The program still runs but delivers nothing usable: lost after two seconds.
-    QTest::newRow("hangs after its first rows")
-        << standIn({"STANDIN_SWEEPS=40", "STANDIN_THEN=hang"}) << "CSSSSD"
-        << "gave no valid row for 2.0 s";
-    QTest::newRow("garbage after its first rows")
-        << standIn({"STANDIN_SWEEPS=40", "STANDIN_THEN=garbage"}) << "CSSSSD"
-        << "gave no valid row for 2.0 s";
-    QTest::newRow("unknown source")
-        << QStringList{"WSA_SOURCE=radio"} << "N"
-        << "unknown WSA_SOURCE=radio: use sim, hackrf, program or replay";
-}
-
-void TestEngineSources::hackrfFaults()
-{
-    QFETCH(QStringList, env);
-    QFETCH(QString, records);
-    QFETCH(QString, reason);
-    Run run(env);
-    const QHash<QChar, int> types{{'C', SA_MSG_CONFIGURED},
-                                  {'S', SA_MSG_SWEEP},
-                                  {'D', SA_MSG_DISCONNECT},
-                                  {'N', SA_MSG_NO_DEVICE}};
-    QString seen;
-    // Longer than the engine waits for a silent program.
-    for (stSweep r = run.next(); r.type > 0; r = run.next(4000)) {
-        const QChar kind = types.key(r.type, '?');
-        // A second of sweeps makes about 8 records; the test needs only a few.
-        if (!(kind == 'S' && seen.endsWith("SSSS")))
-            seen += kind;
-    }
-    QCOMPARE(seen, records);
-    // The engine ends after a fault record, saying why in one line, and nothing else is said.
-    QStringList all;
-    const QStringList lines = run.complaints(&all);
-    QCOMPARE(run.proc.state(), QProcess::NotRunning);
-    QCOMPARE(lines.size(), 1);
-    QCOMPARE(all, lines);
-    QVERIFY2(lines[0].contains(reason), qPrintable(lines[0]));
-}
-
 // At most WSA_OUTPUT_RATE records a second however fast the sweeps come; while the analyzer
 // does not read, at most one record waits, and reading resumes with a current one.
 void TestEngineSources::paceAndNeverQueue()
@@ -201,75 +135,8 @@ void TestEngineSources::noOrphanSweeper()
         shutdown(run.link, SHUT_RDWR);
     QVERIFY(run.proc.waitForFinished(5000));
     // As our orphan it would never end; ended, it is ours to collect.
-    QDeadlineTimer deadline(3000);
-    pid_t reaped = 0;
-    while (reaped == 0 && !deadline.hasExpired()) {
-        reaped = waitpid(sweeper, nullptr, WNOHANG);
-        QTest::qWait(reaped == 0 ? 20 : 0);
-    }
+    QTRY_VERIFY_WITH_TIMEOUT(waitpid(sweeper, nullptr, WNOHANG) != 0, 3000);
     QVERIFY(kill(sweeper, 0) == -1 && errno == ESRCH);
-}
-
-// A listener at SERVERSOCK that did not start the engine, another user's or a stranger's of our
-// own, gets nothing: the engine says why and ends with status 1.
-void TestEngineSources::refusesForeignListener_data()
-{
-    QTest::addColumn<bool>("otherUser");
-    QTest::newRow("another user") << true;
-    QTest::newRow("our user, not an ancestor") << false;
-}
-
-void TestEngineSources::refusesForeignListener()
-{
-    QFETCH(bool, otherUser);
-    const passwd* nobody = getpwnam("nobody");
-    if (otherUser && (geteuid() != 0 || !nobody))
-        QSKIP("needs root and the user nobody to listen as another user");
-    QTemporaryDir dir;
-    QVERIFY(QFile::setPermissions(dir.path(), QFileDevice::Permissions(0x7777)));
-    const QByteArray path = dir.filePath("SERVERSOCK").toLocal8Bit();
-    int report[2];
-    QCOMPARE(pipe(report), 0);
-    const pid_t listener = fork();
-    if (listener == 0) {
-        // The stranger: listens, takes one connection and reports how many bytes it got.
-        if (otherUser && (setgid(nobody->pw_gid) != 0 || setuid(nobody->pw_uid) != 0))
-            _exit(2);
-        const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
-        sockaddr_un addr{AF_UNIX, {}};
-        std::strncpy(addr.sun_path, path.constData(), sizeof addr.sun_path - 1);
-        if (bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) != 0 || listen(fd, 1) != 0)
-            _exit(3);
-        (void)!write(report[1], "L", 1);
-        const int link = accept(fd, nullptr, nullptr);
-        char buffer[4096];
-        long total = 0;
-        for (ssize_t n; (n = read(link, buffer, sizeof buffer)) > 0;)
-            total += n;
-        (void)!write(report[1], &total, sizeof total);
-        _exit(0);
-    }
-    close(report[1]);
-    char listening = 0;
-    QCOMPARE(read(report[0], &listening, 1), ssize_t(1));
-
-    QProcess engine;
-    engine.setWorkingDirectory(dir.path());
-    QFile::link(WSA_ENGINE_BIN, dir.filePath("engine"));
-    engine.start(dir.filePath("engine"), {});
-    QVERIFY(engine.waitForFinished(10000));
-    long received = -1;
-    QCOMPARE(read(report[0], &received, sizeof received), ssize_t(sizeof received));
-    close(report[0]);
-    waitpid(listener, nullptr, 0);
-    QCOMPARE(received, 0L);
-    QCOMPARE(engine.exitCode(), 1);
-    const QStringList lines =
-        QString(engine.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
-    QCOMPARE(lines.size(), 1);
-    QVERIFY2(lines[0].startsWith("wsa_raw: refusing ./SERVERSOCK: ") &&
-                 lines[0].contains(otherUser ? "user" : "did not start us"),
-             qPrintable(lines[0]));
 }
 
 QTEST_GUILESS_MAIN(TestEngineSources)

@@ -4,50 +4,16 @@
 #include <csignal>
 #include <sys/resource.h>
 
-#include "clock.h"
 #include "csvrecorder.h"
-#include "enginecore.h"
+#include "enginerun.h"
 
 namespace
 {
 
-const wsa::Band& band24()
-{
-    return *wsa::findBand(wsa::BandId::Ghz24);
-}
-
-class StillClock : public Clock
-{
-public:
-    long long nowNs() const override { return 0; }
-};
-
-// What the recorder tells the front-ends.
-class Spy : public Sink
-{
-public:
-    std::vector<std::pair<std::int64_t, std::string>> recordings;
-    std::vector<std::pair<StatusReason, std::string>> reasons;
-    SinkResult sweep(const int*, int) override { return SinkResult::Ok; }
-    void recording(std::int64_t bytes, const std::string& path) override
-    {
-        recordings.emplace_back(bytes, path);
-    }
-    void reason(StatusReason reason, const std::string& text) override
-    {
-        reasons.emplace_back(reason, text);
-    }
-    int count(StatusReason reason) const
-    {
-        return int(std::count_if(reasons.begin(), reasons.end(),
-                                 [&](const auto& r) { return r.first == reason; }));
-    }
-};
-
 struct Rig {
-    StillClock clock;
+    ScriptClock clock{1};
     Engine engine{band24(), clock, Detector::Peak, 8};
-    Spy spy;
+    MemorySink spy;
     CsvRecorderSink recorder;
     std::vector<int> levels = std::vector<int>(SA_MAX_SAMPLES, -70);
 
@@ -64,6 +30,15 @@ struct Rig {
     }
     void record(bool on) { engine.control(wsa::ControlCommand::Record, on ? 1 : 0); }
 };
+
+// The size of one row as the recorder writes it.
+std::int64_t rowBytes()
+{
+    QTemporaryDir dir;
+    Rig rig(dir.path(), true);
+    rig.sweeps(1);
+    return QFileInfo(rig.recorder.path().c_str()).size();
+}
 
 // Rows per file, in the order the files were made: names sort by start, and within a second
 // a numbered name follows the plain one.
@@ -126,11 +101,7 @@ void TestFrontRecorder::startAndStop()
 // A file takes whole rows up to the limit; the row that would pass it starts the next file.
 void TestFrontRecorder::rollsOverAtLimit()
 {
-    QTemporaryDir probe;
-    Rig one(probe.path(), true);
-    one.sweeps(1);
-    const std::int64_t row = QFileInfo(one.recorder.path().c_str()).size();
-
+    const std::int64_t row = rowBytes();
     QTemporaryDir dir;
     RecorderPolicy policy;
     policy.limitBytes = 3 * row + row / 2;
@@ -202,9 +173,7 @@ void TestFrontRecorder::cannotRecord()
     rlimit old{};
     getrlimit(RLIMIT_FSIZE, &old);
     if (fileLimit) {
-        Rig probe(tmp.filePath("probe"), true);
-        probe.sweeps(1);
-        const rlim_t row = rlim_t(QFileInfo(probe.recorder.path().c_str()).size());
+        const rlim_t row = rlim_t(rowBytes());
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{row * rlim_t(fileLimit) + row / 2, old.rlim_max};
         QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
