@@ -270,7 +270,7 @@ void TestAnalysisStage::headlessFile()
     QFETCH(QStringList, env);
     QFETCH(bool, terminate);
     QFETCH(int, stderrLines);
-    Detached run(env);
+    Run run(env, {}, Run::Nobody);
     QVERIFY(run.proc.waitForStarted());
     if (terminate) {
         QVERIFY(!run.proc.waitForFinished(2000));
