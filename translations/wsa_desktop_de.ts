@@ -75,11 +75,11 @@
     </message>
     <message>
         <source>The recording has ended: %1.</source>
-        <translation>Die Aufzeichnung ist zu Ende: %1.</translation>
+        <translation>Die Aufzeichnung ist abgespielt: %1.</translation>
     </message>
     <message>
         <source>Open another, or turn on Loop to play it again.</source>
-        <translation>Öffnen Sie eine andere oder schalten Sie Schleife ein, um sie erneut wiederzugeben.</translation>
+        <translation>Öffnen Sie eine andere oder schalten Sie „Schleife“ ein, um sie erneut wiederzugeben.</translation>
     </message>
     <message>
         <source>hackrf_sweep is not installed (%1).</source>
@@ -135,7 +135,7 @@
     </message>
     <message>
         <source>Recording stopped: %1.</source>
-        <translation>Aufzeichnung angehalten: %1.</translation>
+        <translation>Aufzeichnung beendet: %1.</translation>
     </message>
     <message>
         <source>Free disk space or choose another folder; the measurement goes on.</source>
@@ -659,7 +659,7 @@
     </message>
     <message>
         <source>Peak dBm</source>
-        <translation>Spitze dBm</translation>
+        <translation>Spitzenpegel dBm</translation>
     </message>
     <message>
         <source>Confidence</source>
