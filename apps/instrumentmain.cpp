@@ -11,6 +11,7 @@
 #include "instrumentwindow.h"
 #include "paths.h"
 #include "sweepfeed.h"
+#include "translation.h"
 #include "wsa.h"
 
 namespace standalone
@@ -65,6 +66,7 @@ int runInstrument(const Choice& choice)
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.wsa_analyzer.wsa")));
     QCoreApplication::setOrganizationName(QStringLiteral("wsa"));
     wsaInstallTranslator();
+    installTranslator();
     const QString workDir = wsaEnterDesktopWorkDir();
     QSettings settings;
     const EngineSetup setup = setupFor(choice, settings, workDir);

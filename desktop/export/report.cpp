@@ -13,10 +13,10 @@ namespace wsa::desktop
 namespace
 {
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("Report", text);
-}
+// Its own context, so the catalogue names the texts as they are looked up.
+struct Report {
+    Q_DECLARE_TR_FUNCTIONS(Report)
+};
 
 QString esc(const QString& s)
 {
@@ -34,22 +34,22 @@ QString row(const QStringList& cells, const char* tag = "td", const QString& att
 QString pictureHtml(const QImage& picture)
 {
     if (picture.isNull())
-        return QStringLiteral("<p>%1</p>\n").arg(esc(tr("No picture.")));
+        return QStringLiteral("<p>%1</p>\n").arg(esc(Report::tr("No picture.")));
     QByteArray png;
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);
     picture.save(&buffer, "PNG");
     return QStringLiteral("<p><img alt=\"%1\" src=\"data:image/png;base64,%2\"></p>\n")
-        .arg(esc(tr("The views")), QString::fromLatin1(png.toBase64()));
+        .arg(esc(Report::tr("The views")), QString::fromLatin1(png.toBase64()));
 }
 
 QString markersHtml(const QVector<ReportMarker>& markers)
 {
     if (markers.isEmpty())
-        return QStringLiteral("<p>%1</p>\n").arg(esc(tr("No marker is on.")));
+        return QStringLiteral("<p>%1</p>\n").arg(esc(Report::tr("No marker is on.")));
     QString out = QStringLiteral("<table>\n") +
-                  row({tr("Marker"), tr("Frequency MHz"), tr("Channel"), tr("Level dBm"),
-                       tr("Trace")},
+                  row({Report::tr("Marker"), Report::tr("Frequency MHz"), Report::tr("Channel"), Report::tr("Level dBm"),
+                       Report::tr("Trace")},
                       "th");
     for (const ReportMarker& m : markers)
         out += row({QString::number(m.number), QString::number(m.hz / 1e6, 'f', 3),
@@ -61,10 +61,10 @@ QString markersHtml(const QVector<ReportMarker>& markers)
 QString channelsHtml(const ReportContent& c)
 {
     if (c.channels.isEmpty())
-        return QStringLiteral("<p>%1</p>\n").arg(esc(tr("No channel analysis yet.")));
+        return QStringLiteral("<p>%1</p>\n").arg(esc(Report::tr("No channel analysis yet.")));
     QString out = QStringLiteral("<table>\n") +
-                  row({tr("Channel"), tr("Centre MHz"), tr("Occupancy %"), tr("Mean dBm"),
-                       tr("Max dBm")},
+                  row({Report::tr("Channel"), Report::tr("Centre MHz"), Report::tr("Occupancy %"), Report::tr("Mean dBm"),
+                       Report::tr("Max dBm")},
                       "th");
     for (int i = 0; i < c.channels.size(); ++i) {
         const ChannelRow& r = c.channels[i];
@@ -79,7 +79,7 @@ QString channelsHtml(const ReportContent& c)
 QString emittersHtml(const QVector<EmitterRow>& emitters)
 {
     if (emitters.isEmpty())
-        return QStringLiteral("<p>%1</p>\n").arg(esc(tr("No emitter found.")));
+        return QStringLiteral("<p>%1</p>\n").arg(esc(Report::tr("No emitter found.")));
     QStringList titles;
     for (int k = 0; k < EmitterTableModel::ColumnCount; ++k)
         titles << EmitterTableModel::columnTitle(k);
@@ -97,7 +97,7 @@ QString emittersHtml(const QVector<EmitterRow>& emitters)
 
 QByteArray reportHtml(const ReportContent& c)
 {
-    const QString title = tr("Wi-Fi spectrum report");
+    const QString title = Report::tr("Wi-Fi spectrum report");
     QString html =
         QStringLiteral("<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>%1</title>\n"
                        "<style>body{font-family:sans-serif}table{border-collapse:collapse}"
@@ -106,17 +106,17 @@ QByteArray reportHtml(const ReportContent& c)
                        "img{max-width:100%}</style></head><body>\n<h1>%1</h1>\n")
             .arg(esc(title));
     html += QStringLiteral("<table>\n");
-    html += row({tr("Band"), c.band});
-    html += row({tr("Source"), c.source.isEmpty() ? tr("unknown") : c.source});
-    html += row({tr("Time"), c.time.toString(Qt::ISODate)});
-    html += row({tr("Sweeps analysed"), QString::number(c.sweeps)});
-    html += row({tr("Noise floor dBm"), levelText(c.noiseFloorDbm)});
+    html += row({Report::tr("Band"), c.band});
+    html += row({Report::tr("Source"), c.source.isEmpty() ? Report::tr("unknown") : c.source});
+    html += row({Report::tr("Time"), c.time.toString(Qt::ISODate)});
+    html += row({Report::tr("Sweeps analysed"), QString::number(c.sweeps)});
+    html += row({Report::tr("Noise floor dBm"), levelText(c.noiseFloorDbm)});
     html += QStringLiteral("</table>\n");
     html += pictureHtml(c.picture);
-    html += QStringLiteral("<h2>%1</h2>\n").arg(esc(tr("Markers"))) + markersHtml(c.markers);
-    html += QStringLiteral("<h2>%1</h2>\n").arg(esc(tr("Channels, %1 MHz").arg(c.channelWidthMHz))) +
+    html += QStringLiteral("<h2>%1</h2>\n").arg(esc(Report::tr("Markers"))) + markersHtml(c.markers);
+    html += QStringLiteral("<h2>%1</h2>\n").arg(esc(Report::tr("Channels, %1 MHz").arg(c.channelWidthMHz))) +
             channelsHtml(c);
-    html += QStringLiteral("<h2>%1</h2>\n").arg(esc(tr("Emitters"))) + emittersHtml(c.emitters);
+    html += QStringLiteral("<h2>%1</h2>\n").arg(esc(Report::tr("Emitters"))) + emittersHtml(c.emitters);
     html += QStringLiteral("</body></html>\n");
     return html.toUtf8();
 }

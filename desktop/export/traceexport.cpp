@@ -9,10 +9,10 @@ namespace wsa::desktop
 namespace
 {
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("Export", text);
-}
+// Its own context, so the catalogue names the texts as they are looked up.
+struct Export {
+    Q_DECLARE_TR_FUNCTIONS(Export)
+};
 
 } // namespace
 
@@ -22,7 +22,7 @@ bool writeFile(const QString& path, const QByteArray& bytes, QString* error)
     if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
         return true;
     if (error)
-        *error = tr("Could not write %1: %2").arg(path, file.errorString());
+        *error = Export::tr("Could not write %1: %2").arg(path, file.errorString());
     return false;
 }
 
@@ -56,15 +56,15 @@ bool savePicture(const QImage& image, const QString& path, QString* error)
     QSaveFile file(path);
     if (image.isNull()) {
         if (error)
-            *error = tr("Could not write %1: there is no picture").arg(path);
+            *error = Export::tr("Could not write %1: there is no picture").arg(path);
         return false;
     }
     if (file.open(QIODevice::WriteOnly) && image.save(&file, "PNG") && file.commit())
         return true;
     if (error)
-        *error = tr("Could not write %1: %2")
+        *error = Export::tr("Could not write %1: %2")
                      .arg(path, file.error() != QFileDevice::NoError ? file.errorString()
-                                                                     : tr("PNG encoding failed"));
+                                                                     : Export::tr("PNG encoding failed"));
     return false;
 }
 
