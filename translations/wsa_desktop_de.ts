@@ -70,20 +70,8 @@
         <translation>gewählte</translation>
     </message>
     <message>
-        <source>Open another recording with File &gt; Open recording (Ctrl+O).</source>
-        <translation>Öffnen Sie eine andere Aufzeichnung mit Quelle &gt; Aufzeichnung öffnen (Strg+O).</translation>
-    </message>
-    <message>
-        <source>The recording has ended: %1.</source>
-        <translation>Die Aufzeichnung ist abgespielt: %1.</translation>
-    </message>
-    <message>
         <source>Open another, or turn on Loop to play it again.</source>
         <translation>Öffnen Sie eine andere oder schalten Sie „Schleife“ ein, um sie erneut wiederzugeben.</translation>
-    </message>
-    <message>
-        <source>hackrf_sweep is not installed (%1).</source>
-        <translation>hackrf_sweep ist nicht installiert (%1).</translation>
     </message>
     <message>
         <source>Install the hackrf package, then choose Source &gt; HackRF again.</source>
@@ -106,24 +94,8 @@
         <translation>Prüfen Sie das Kabel und wählen Sie dann erneut Quelle &gt; HackRF.</translation>
     </message>
     <message>
-        <source>The recording %1 does not exist.</source>
-        <translation>Die Aufzeichnung %1 existiert nicht.</translation>
-    </message>
-    <message>
-        <source>The recording %1 cannot be read.</source>
-        <translation>Die Aufzeichnung %1 kann nicht gelesen werden.</translation>
-    </message>
-    <message>
         <source>Check that it is a file you may read, or open another.</source>
         <translation>Prüfen Sie, ob Sie die Datei lesen dürfen, oder öffnen Sie eine andere.</translation>
-    </message>
-    <message>
-        <source>The recording %1 is empty.</source>
-        <translation>Die Aufzeichnung %1 ist leer.</translation>
-    </message>
-    <message>
-        <source>The recording %1 holds no sweep in the %2 band.</source>
-        <translation>Die Aufzeichnung %1 enthält für das %2 Band keinen Sweep.</translation>
     </message>
     <message>
         <source>The source does not cover the %1 band: %2.</source>
@@ -244,6 +216,34 @@
     <message>
         <source>Choose a live source to measure another band.</source>
         <translation>Wählen Sie eine Live-Quelle, um ein anderes Band zu messen.</translation>
+    </message>
+    <message>
+        <source>Open another recording with Source &gt; Open recording (Ctrl+O).</source>
+        <translation>Öffnen Sie eine andere Aufzeichnung mit Quelle &gt; Aufzeichnung öffnen (Strg+O).</translation>
+    </message>
+    <message>
+        <source>Replay finished: %1.</source>
+        <translation>Wiedergabe beendet: %1.</translation>
+    </message>
+    <message>
+        <source>The HackRF cannot be used: %1.</source>
+        <translation>Der HackRF kann nicht verwendet werden: %1.</translation>
+    </message>
+    <message>
+        <source>The recording does not exist: %1.</source>
+        <translation>Die Aufzeichnung existiert nicht: %1.</translation>
+    </message>
+    <message>
+        <source>The recording cannot be read: %1.</source>
+        <translation>Die Aufzeichnung kann nicht gelesen werden: %1.</translation>
+    </message>
+    <message>
+        <source>Nothing to replay: %1.</source>
+        <translation>Nichts wiederzugeben: %1.</translation>
+    </message>
+    <message>
+        <source>The recording holds no sweep in the %1 band: %2.</source>
+        <translation>Die Aufzeichnung enthält keinen Sweep im Band %1: %2.</translation>
     </message>
 </context>
 <context>

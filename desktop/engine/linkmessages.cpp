@@ -23,7 +23,7 @@ bool LinkMessages::endsSource(StatusCode code)
 LinkMessage LinkMessages::status(StatusCode code, const QString& cause, const QString& bandName)
 {
     const QString band = bandName.isEmpty() ? tr("chosen") : bandName;
-    const QString open = tr("Open another recording with File > Open recording (Ctrl+O).");
+    const QString open = tr("Open another recording with Source > Open recording (Ctrl+O).");
     switch (code) {
     // The engine's text is a clause naming the cause (a file, a program and what it said); the
     // headline says what it means here, the remedy what to do.
