@@ -1,6 +1,8 @@
 // The analyzer under a German locale: our catalogue for the analyzer's texts, Qt's own for the
 // standard buttons, and no text of ours left without a German entry.
 #include <QtTest>
+
+#include "catalogue.h"
 #include <QtWidgets>
 
 #include "ckeypadfactory.h"
@@ -43,56 +45,18 @@ private slots:
                  QStringList({"OK", "Abbrechen"}));
     }
 
-    // Runs lupdate over the analyzer's sources into a copy of the German catalogue: a text that is
-    // new in the code, or still marked unfinished, or translated as nothing, fails here.
+    // lupdate over the analyzer's sources into a copy of the German catalogue: a text new in the
+    // code, still unfinished, translated as nothing or losing a placeholder fails here.
     void everyTextHasGermanEntry()
     {
-        const QString lupdate = QLibraryInfo::path(QLibraryInfo::BinariesPath) + "/lupdate";
-        QVERIFY2(QFileInfo(lupdate).isExecutable(), qPrintable(lupdate + " is missing"));
         QTemporaryDir dir;
-        const QString ts = dir.filePath("wsa_de.ts");
-        QVERIFY(QFile::copy(WSA_SOURCE_DIR "/translations/wsa_de.ts", ts));
-        QFile::setPermissions(ts, QFile::ReadOwner | QFile::WriteOwner);
-
-        const QDir root(WSA_SOURCE_DIR);
-        QStringList args{"-silent", "-no-obsolete", "-locations", "none"};
-        for (const char* dir : {"apps", "analyzer", "include"}) {
-            QDirIterator it(root.filePath(dir), {"*.cpp", "*.h"}, QDir::Files,
-                            QDirIterator::Subdirectories);
-            while (it.hasNext())
-                args << it.next();
-        }
-        args << "-ts" << ts;
-        QProcess run;
-        run.start(lupdate, args);
-        QVERIFY(run.waitForFinished(60000));
-        QVERIFY2(run.exitStatus() == QProcess::NormalExit && run.exitCode() == 0,
-                 run.readAllStandardError().constData());
-
-        QFile file(ts);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QXmlStreamReader xml(&file);
-        QString context, source;
-        QStringList missing;
-        int messages = 0;
-        while (!xml.atEnd()) {
-            if (xml.readNext() != QXmlStreamReader::StartElement)
-                continue;
-            if (xml.name() == u"name") {
-                context = xml.readElementText();
-            } else if (xml.name() == u"source") {
-                source = xml.readElementText();
-            } else if (xml.name() == u"translation") {
-                const QString type = xml.attributes().value("type").toString();
-                const QString text = xml.readElementText(QXmlStreamReader::IncludeChildElements);
-                ++messages;
-                if (!type.isEmpty() || text.trimmed().isEmpty())
-                    missing << QString("%1: \"%2\" (%3)").arg(context, source, type);
-            }
-        }
-        QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
-        QVERIFY2(messages > 40, qPrintable(QString::number(messages))); // lupdate found our texts
-        QVERIFY2(missing.isEmpty(), qPrintable("no German entry: " + missing.join("; ")));
+        const wsatest::CatalogueCheck c = wsatest::checkCatalogue(
+            WSA_SOURCE_DIR "/translations/wsa_de.ts",
+            {WSA_SOURCE_DIR "/apps", WSA_SOURCE_DIR "/analyzer", WSA_SOURCE_DIR "/include"},
+            dir.filePath("wsa_de.ts"));
+        QVERIFY2(c.error.isEmpty(), qPrintable(c.error));
+        QVERIFY2(c.messages > 40, qPrintable(QString::number(c.messages))); // lupdate found our texts
+        QVERIFY2(c.faults.isEmpty(), qPrintable("no German entry: " + c.faults.join("; ")));
     }
 };
 

@@ -5,6 +5,8 @@
 #include <QRegularExpression>
 #include <QtTest>
 
+#include "catalogue.h"
+
 #include "acquisition.h"
 #include "instrumentwindow.h"
 #include "messagebar.h"
@@ -13,24 +15,6 @@
 
 using namespace wsa::desktop;
 
-namespace
-{
-
-// What a translation must carry over from its source: the arguments, the one mnemonic, the tags.
-QStringList skeleton(const QString& text)
-{
-    static const QRegularExpression parts(QStringLiteral("%[1-9n]|&[^& ]|<[^>]*>"));
-    QStringList out;
-    for (auto it = parts.globalMatch(text); it.hasNext();) {
-        const QString part = it.next().captured();
-        out << (part.startsWith('&') ? QStringLiteral("&") : part);
-    }
-    if (!text.contains('<'))
-        out.sort(); // word order may change; markup order may not
-    return out;
-}
-
-} // namespace
 
 class TestDesktopTranslation : public QObject
 {
@@ -51,47 +35,12 @@ private slots:
     // unfinished, translated as nothing or losing a placeholder, mnemonic or tag fails here.
     void catalogueCoversEveryText()
     {
-        const QString lupdate = QLibraryInfo::path(QLibraryInfo::BinariesPath) + "/lupdate";
-        QVERIFY2(QFileInfo(lupdate).isExecutable(), qPrintable(lupdate + " is missing"));
-        const QString ts = m_dir.filePath("wsa_desktop_de.ts");
-        QVERIFY(QFile::copy(WSA_SOURCE_DIR "/translations/wsa_desktop_de.ts", ts));
-        QFile::setPermissions(ts, QFile::ReadOwner | QFile::WriteOwner);
-        QStringList args{"-silent", "-no-obsolete", "-locations", "none"};
-        QDirIterator it(WSA_SOURCE_DIR "/desktop", {"*.cpp", "*.h"}, QDir::Files,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext())
-            args << it.next();
-        QProcess run;
-        run.start(lupdate, args << "-ts" << ts);
-        QVERIFY(run.waitForFinished(60000));
-        QVERIFY2(run.exitStatus() == QProcess::NormalExit && run.exitCode() == 0,
-                 run.readAllStandardError().constData());
-
-        QFile file(ts);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QXmlStreamReader xml(&file);
-        QString context, source;
-        QStringList faults;
-        int messages = 0;
-        while (!xml.atEnd()) {
-            if (xml.readNext() != QXmlStreamReader::StartElement)
-                continue;
-            if (xml.name() == u"name") {
-                context = xml.readElementText();
-            } else if (xml.name() == u"source") {
-                source = xml.readElementText();
-            } else if (xml.name() == u"translation") {
-                const QString type = xml.attributes().value("type").toString();
-                const QString text = xml.readElementText(QXmlStreamReader::IncludeChildElements);
-                ++messages;
-                if (!type.isEmpty() || text.trimmed().isEmpty() ||
-                    skeleton(text) != skeleton(source))
-                    faults << QString("%1: \"%2\" -> \"%3\" %4").arg(context, source, text, type);
-            }
-        }
-        QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
-        QVERIFY2(messages > 200, qPrintable(QString::number(messages))); // lupdate found our texts
-        QVERIFY2(faults.isEmpty(), qPrintable(faults.join('\n')));
+        const wsatest::CatalogueCheck c =
+            wsatest::checkCatalogue(WSA_SOURCE_DIR "/translations/wsa_desktop_de.ts",
+                                    {WSA_SOURCE_DIR "/desktop"}, m_dir.filePath("wsa_desktop_de.ts"));
+        QVERIFY2(c.error.isEmpty(), qPrintable(c.error));
+        QVERIFY2(c.messages > 200, qPrintable(QString::number(c.messages))); // lupdate found our texts
+        QVERIFY2(c.faults.isEmpty(), qPrintable(c.faults.join('\n')));
     }
 
     // The menus, the message bar, an export's error and the report each look their texts up in a
