@@ -44,7 +44,7 @@ void Activity::findSegments(double timeS)
         int hi = i;
         while (hi + 1 < n && (m_lit[std::size_t(hi + 1)] || (hi + 2 < n && m_lit[std::size_t(hi + 2)])))
             ++hi;
-        Segment s{m_sweep, timeS, i, hi, i, m_excess[std::size_t(i)], 1};
+        Segment s{m_sweep, timeS, i, hi, i, m_excess[std::size_t(i)], 1, 0};
         for (int k = i; k <= hi; ++k) {
             if (m_excess[std::size_t(k)] > s.peakExcess) {
                 s.peakExcess = m_excess[std::size_t(k)];
@@ -58,6 +58,8 @@ void Activity::findSegments(double timeS)
         while (b < hi && m_excess[std::size_t(b + 1)] >= s.peakExcess - 6)
             ++b;
         s.width6 = b - a + 1;
+        const std::size_t p = std::size_t(s.peak);
+        s.busyBefore = float((m_litCount[p] - 1) / m_seen[p]);
         m_ring[m_ringNext] = s;
         m_ringNext = (m_ringNext + 1) % m_ring.size();
         ++m_ringCount;

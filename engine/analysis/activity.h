@@ -18,6 +18,7 @@ struct Segment {
     int peak;
     float peakExcess; // dB above the floor
     int width6;       // bins within 6 dB of the peak, contiguous around it
+    float busyBefore; // the peak bin's occupancy before this sweep: was something steady there?
 };
 
 class Activity

@@ -424,6 +424,10 @@ void Classifier::findHoppers(const Activity& a, double nowS, int sweepsInWindow,
 {
     m_blipCentres.clear();
     m_blipWidths.clear();
+    // The hoppers named here share the 2.4 GHz band; elsewhere scattered short bursts are the
+    // short frames of wide channels.
+    if (m_band->id != BandId::Ghz24)
+        return;
     std::fill(m_cells.begin(), m_cells.end(), 0);
     const int maxWidth = std::max(2, int(2.5 / m_stepMHz));
     const int maxLen = std::max(3, int(4.0 / m_stepMHz));
@@ -431,7 +435,10 @@ void Classifier::findHoppers(const Activity& a, double nowS, int sweepsInWindow,
     a.forEachSegment(nowS - kHopperWindowS, [&](const Segment& s) {
         if (s.width6 > maxWidth || s.hi - s.lo + 1 > maxLen || s.peakExcess < 9)
             return;
-        if (a.occupancy(s.peak) >= kMinOccupancy || m_blipCentres.size() == m_blipCentres.capacity())
+        // A burst where something steady was on is that emitter's own (a short frame, its skirt),
+        // also once it has stopped and the history of its bins has faded.
+        if (std::max(a.occupancy(s.peak), double(s.busyBefore)) >= kMinOccupancy ||
+            m_blipCentres.size() == m_blipCentres.capacity())
             return;
         const double f = mhzOf(s.peak);
         m_blipCentres.push_back(f);
