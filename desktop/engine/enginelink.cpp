@@ -110,6 +110,10 @@ void EngineLink::startProcess()
         env.remove(QStringLiteral("WSA_REPLAY_FILE"));
     // The handheld host's channel, never this window's engine.
     env.remove(QStringLiteral("WSA_STATUS_SOCKET"));
+    // The simulated probe plays its changing cast of every kind the band carries, so that the
+    // analysis is seen naming them; WSA_SIM_SCENE chooses the fixed scene instead.
+    if (!env.contains(QStringLiteral("WSA_SIM_SCENE")))
+        env.insert(QStringLiteral("WSA_SIM_SCENE"), QStringLiteral("emitters"));
     m_process->setProcessEnvironment(env);
     QStringList args;
     if (m_setup.band)
