@@ -221,7 +221,7 @@ void Acquisition::syncControls()
     m_record->setEnabled(!m_setup.recordDir.isEmpty());
     m_record->setChecked(!m_recordingPath.isEmpty());
     m_replay->setVisible(m_setup.source == QLatin1String("replay"));
-    m_sourceLabel->setText(description());
+    m_sourceLabel->setText(sourceText()); // the band label beside it names the band
     emit descriptionChanged(description());
 }
 
