@@ -4,7 +4,7 @@ namespace wsa::desktop
 {
 
 SweepFeed::SweepFeed(const Band& band, int historyDepth, QObject* parent)
-    : QObject(parent), m_live(band, historyDepth), m_levels(std::size_t(m_live.grid().bins))
+    : QObject(parent), m_live(band, historyDepth)
 {
 }
 
@@ -18,7 +18,6 @@ const SweepModel& SweepFeed::shown() const
 void SweepFeed::configure(const Band& band)
 {
     m_live.configure(band);
-    m_levels.resize(std::size_t(m_live.grid().bins));
     // A new band makes the frozen picture meaningless.
     m_frozen.reset();
     emit shownReset();
@@ -32,16 +31,6 @@ bool SweepFeed::addSweep(const float* dbm, int count, qint64 timeMs)
     if (!m_frozen)
         emit sweepShown();
     return true;
-}
-
-bool SweepFeed::addRecordLevels(const int* dbm, int count, qint64 timeMs)
-{
-    const int bins = int(m_levels.size());
-    if (!dbm || count < bins)
-        return false;
-    for (int i = 0; i < bins; ++i)
-        m_levels[std::size_t(i)] = float(dbm[i]);
-    return addSweep(m_levels.data(), bins, timeMs);
 }
 
 void SweepFeed::setPaused(bool paused)

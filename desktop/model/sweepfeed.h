@@ -26,8 +26,6 @@ public slots:
     void configure(const Band& band);
     // False (and nothing changes) for a sweep shorter than the band's grid.
     bool addSweep(const float* dbm, int count, qint64 timeMs);
-    // The same for a record's whole-dBm levels, converted without allocating.
-    bool addRecordLevels(const int* dbm, int count, qint64 timeMs);
     void setPaused(bool paused);
     void resetHolds();
     void resetDensity();
@@ -44,7 +42,6 @@ signals:
 private:
     SweepStore m_live;
     std::unique_ptr<SweepStore> m_frozen;
-    std::vector<float> m_levels; // conversion buffer of the grid's size
 };
 
 } // namespace wsa::desktop

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <limits>
 
-#include "configured.h"
 #include "desktoptestsupport.h"
 #include "sweepfeed.h"
 #include "sweepstore.h"
@@ -222,33 +221,6 @@ private slots:
         QCOMPARE(feed.shown().trace(Trace::Current)[0], -55.0f);
         feed.addSweep(flat(band24(), -90).data(), n, 7);
         QCOMPARE(shown.count(), 2);
-    }
-
-    void recordsAndAnnouncementsMapOntoTheBandPlan()
-    {
-        for (const wsa::Band& b : wsa::allBands()) {
-            QCOMPARE(bandOfAnnouncement(b.simAnnouncement), &b);
-            QCOMPARE(bandOfAnnouncement(b.gridAnnouncement()), &b);
-        }
-        wsa::Announcement odd = wsa::findBand(wsa::BandId::Ghz5)->simAnnouncement;
-        odd.samples -= 1;
-        QVERIFY(!bandOfAnnouncement(odd));
-        QVERIFY(!bandOfAnnouncement({0, 0, 0, 0}));
-
-        // A record's levels: whole dBm, as many as the engine sends (at least the grid).
-        SweepFeed feed(band24());
-        std::vector<int> record(std::size_t(band24().grid.raw), -77);
-        record[3] = -12;
-        QVERIFY(feed.addRecordLevels(record.data(), int(record.size()), 5));
-        QCOMPARE(feed.shown().trace(Trace::Current)[3], -12.0f);
-        QCOMPARE(feed.shown().trace(Trace::Current)[4], -77.0f);
-        QVERIFY(!feed.addRecordLevels(record.data(), band24().grid.shown - 1, 6));
-        QVERIFY(!feed.addRecordLevels(nullptr, 5000, 6));
-        feed.configure(*wsa::findBand(wsa::BandId::Ghz6));
-        QVERIFY(!feed.addRecordLevels(record.data(), int(record.size()), 7));
-        std::vector<int> longer(std::size_t(wsa::findBand(wsa::BandId::Ghz6)->grid.raw), -70);
-        QVERIFY(feed.addRecordLevels(longer.data(), int(longer.size()), 8));
-        QCOMPARE(feed.live().sweepCount(), 1u);
     }
 
     void aNewBandEndsThePause()
