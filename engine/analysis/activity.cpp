@@ -16,6 +16,7 @@ void Activity::take(const float* dbm, const float* floor, double timeS, double d
 {
     const std::size_t n = m_lit.size();
     const float maxFall = float(60.0 * (1 - decay)); // the held maximum fades over the window
+    m_settled = decay < 1 ? 1 / (1 - decay) : 1;
     for (std::size_t i = 0; i < n; ++i) {
         const float ex = dbm[i] - floor[i];
         const bool on = ex > kLitDb;
@@ -59,7 +60,9 @@ void Activity::findSegments(double timeS)
             ++b;
         s.width6 = b - a + 1;
         const std::size_t p = std::size_t(s.peak);
-        s.busyBefore = float((m_litCount[p] - 1) / m_seen[p]);
+        // Over a filled history's worth of sweeps: in the first sweeps after a start one earlier
+        // burst would otherwise make a bin look busy.
+        s.busyBefore = float((m_litCount[p] - 1) / std::max(m_seen[p], m_settled));
         m_ring[m_ringNext] = s;
         m_ringNext = (m_ringNext + 1) % m_ring.size();
         ++m_ringCount;

@@ -46,6 +46,8 @@ public:
         const double n = m_seen[std::size_t(i)];
         return n > 0 ? m_litCount[std::size_t(i)] / n : 0;
     }
+    // The sweeps a bin's history holds once it has filled, at the present sweep rate.
+    double settledCount() const { return m_settled; }
     // Mean dB above the floor over all recent sweeps, lit or not: a smooth profile of activity.
     double meanExcess(int i) const
     {
@@ -92,6 +94,7 @@ private:
     std::size_t m_ringNext = 0;
     std::size_t m_ringCount = 0;
     long m_sweep = 0;
+    double m_settled = 1; // sweeps a history holds once it has filled
 };
 
 } // namespace wsa

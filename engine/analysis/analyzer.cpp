@@ -60,8 +60,11 @@ void Analyzer::take(const float* dbm, int bins, double timeSeconds)
     m_activity.take(m_clean.data(), m_floor.data(), now, std::exp(-dt / Classifier::kWindowS));
     m_channels.take(m_clean.data(), m_activity.litMask());
     ++m_sweeps;
-    if (m_sweeps >= kWarmUpSweeps && m_sweeps % kClassifyEvery == 0)
+    // A look is due when the next sweep would be nearer its time than this one.
+    if (m_sweeps >= kWarmUpSweeps && now - m_lastLook >= kLookEveryS - 0.5 * m_interval) {
+        m_lastLook = now;
         look(now);
+    }
 }
 
 void Analyzer::look(double now)

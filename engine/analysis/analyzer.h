@@ -63,7 +63,7 @@ public:
 
     static constexpr std::size_t kEndedKept = 1024;
     static constexpr double kHoldS = 3.0;  // an emitter not seen for this long has ended
-    static constexpr int kClassifyEvery = 4; // sweeps between looks at the activity
+    static constexpr double kLookEveryS = 0.2; // between looks at the activity, at any sweep rate
     static constexpr int kConfirmHits = 3;   // looks that must agree before an emitter is named
     static constexpr double kHopperConfidence = 0.3; // the least a look naming a hopper needs
 
@@ -100,6 +100,7 @@ private:
     double m_firstTime = 0;
     double m_lastTime = 0;
     double m_interval = 0; // seconds between sweeps, smoothed
+    double m_lastLook = -1e300;
     int m_nextId = 1;
 };
 

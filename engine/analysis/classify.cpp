@@ -13,6 +13,13 @@ constexpr double kMinOccupancy = 0.03; // a bin belongs to a stationary emitter 
 constexpr double kMinLit = 1.5;        // ... and when lit at least this often in the window
 constexpr double kContinuous = 0.9;
 constexpr double kValleyDb = 6;
+// At most this much is a young emitter's occupancy raised for its short time on the air: a
+// couple of stray bursts in a fresh region must not read as a busy emitter.
+constexpr double kYoungScaleMax = 2;
+// A hop's burst lands where nothing else was lit for seconds: another lit sweep of its bin, decayed,
+// weighs at least this (lit within about 3.5 s). Counted in sweeps, not as a share, so one burst
+// is judged alike at every sweep rate.
+constexpr double kOtherLit = 0.17;
 
 double clamp01(double v) { return std::min(1.0, std::max(0.0, v)); }
 } // namespace
@@ -183,10 +190,15 @@ void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double d
     long lastFull = -1;
     int full = 0, runs = 0, recent = 0;
     double runBins = 0, firstS = nowS;
-    a.forEachSegment(nowS - kWindowS, [&](const Segment& s) {
+    double bornS = 1e300; // first lit in the longer look-back: when the emitter came on
+    a.forEachSegment(nowS - kHopperWindowS, [&](const Segment& s) {
         const int lo = std::max(s.lo, r.coreLo);
         const int hi = std::min(s.hi, r.coreHi);
         if (hi < lo)
+            return;
+        if (hi > lo) // a lone lit bin is as likely the noise's tail
+            bornS = std::min(bornS, s.timeS);
+        if (s.timeS < nowS - kWindowS)
             return;
         if (s.timeS >= nowS - kRecentS)
             ++recent;
@@ -207,6 +219,17 @@ void Classifier::measureRuns(Region& r, const Activity& a, double nowS, double d
     r.continuity = sweeps > 0 ? std::min(1.0, full / sweeps) : 0;
     r.runMs = runs ? runBins / runs * dwellS * 1e3 : 0;
     r.recentRuns = recent;
+    // The history weighs the seconds before an emitter came on as dark ones; an emitter younger
+    // than the look-back is judged on its own time, as the full-window figure would show it.
+    r.windowOccupancy = r.occupancy;
+    if (bornS <= nowS && bornS > nowS - kHopperWindowS + 0.5) {
+        const double age = nowS - bornS + sweepS;
+        const int mid = (r.coreLo + r.coreHi) / 2;
+        const double filled = std::min(1.0, a.seen(mid) / a.settledCount());
+        const double scale = std::min(kYoungScaleMax, filled / (1 - std::exp(-age / kWindowS)));
+        r.occupancy = std::min(1.0, r.occupancy * scale);
+        r.peakOccupancy = std::min(1.0, r.peakOccupancy * scale);
+    }
     // Only a wide emitter at 2.4 GHz could be an oven.
     r.mainsLock = 0;
     r.runStarts = 0;
@@ -342,7 +365,7 @@ double Classifier::nameNarrow(const Region& r, Detection& d) const
 {
     // A hopper's visits pile up on a few bins now and then; a strong neighbour's skirt lights
     // bins beside it.
-    if ((r.occupancy < 0.15 && m_hopperSeen) || r.shadowed)
+    if ((r.windowOccupancy < 0.15 && m_hopperSeen) || r.shadowed)
         return -1;
     if (r.occupancy >= 0.7) {
         d.kind = EmitterKind::WirelessAudio;
@@ -437,7 +460,7 @@ void Classifier::findHoppers(const Activity& a, double nowS, int sweepsInWindow,
             return;
         // A burst where something steady was on is that emitter's own (a short frame, its skirt),
         // also once it has stopped and the history of its bins has faded.
-        if (std::max(a.occupancy(s.peak), double(s.busyBefore)) >= kMinOccupancy ||
+        if (a.litCount(s.peak) - 1 >= kOtherLit || s.busyBefore >= kMinOccupancy ||
             m_blipCentres.size() == m_blipCentres.capacity())
             return;
         const double f = mhzOf(s.peak);

@@ -60,7 +60,8 @@ private:
         int coreLo, coreHi; // within 10 dB of the region's plateau
         double plateau;     // dB above the floor when lit
         double flatness;    // plateau minus the core's mean, dB
-        double occupancy;   // mean over the core
+        double occupancy;   // mean over the core, over the emitter's own time in the window
+        double windowOccupancy; // ... over the whole window
         double edgeRatio;   // occupancy at the core's edges over that at its middle
         double continuity;  // share of sweeps that found the whole core lit
         double runMs;       // mean length of a lit run inside the core, in time

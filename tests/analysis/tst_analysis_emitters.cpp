@@ -30,17 +30,18 @@ wsa::TruthEmitter emitter(wsa::EmitterKind kind, double centre, double width, do
     return e;
 }
 
-// Runs the analysis over `seconds` of a scene and returns it, finished unless told otherwise.
+// Runs the analysis over `seconds` of a scene, a sweep every `everyS` (each crossing the band in
+// at most kSweepS, as a receiver does).
 void run(wsa::Analyzer& analyzer, const std::vector<wsa::TruthEmitter>& truth, double seconds,
-         std::uint64_t seed = 5)
+         std::uint64_t seed = 5, double everyS = kSweepS)
 {
     wsa::WorldOptions options;
-    options.sweepSeconds = kSweepS;
+    options.sweepSeconds = std::min(kSweepS, everyS);
     wsa::World world(analyzer.band(), seed, truth, options);
     std::vector<float> s(std::size_t(world.bins()));
-    for (int k = 0; k * kSweepS < seconds; ++k) {
-        world.sweep(k * kSweepS, s.data());
-        analyzer.take(s.data(), world.bins(), k * kSweepS);
+    for (int k = 0; k * everyS < seconds; ++k) {
+        world.sweep(k * everyS, s.data());
+        analyzer.take(s.data(), world.bins(), k * everyS);
     }
 }
 
@@ -89,13 +90,16 @@ private slots:
         QTest::addColumn<double>("width");
         QTest::addColumn<double>("duty");
         QTest::addColumn<double>("slot");
+        QTest::addColumn<double>("every"); // seconds between sweeps
         using K = wsa::EmitterKind;
-        QTest::newRow("bluetooth") << int(K::Bluetooth) << 2441.0 << 79.0 << 0.3 << 625e-6;
-        QTest::newRow("oven") << int(K::MicrowaveOven) << 2455.0 << 20.0 << 0.5 << 0.0;
-        QTest::newRow("video") << int(K::AvTransmitter) << 2432.0 << 18.0 << 1.0 << 0.0;
-        QTest::newRow("zigbee") << int(K::Zigbee) << 2425.0 << 2.0 << 0.2 << 3e-3;
-        QTest::newRow("dsss") << int(K::WifiDsss) << 2462.0 << 22.0 << 0.4 << 1e-3;
-        QTest::newRow("narrowband") << int(K::Narrowband) << 2417.3 << 0.05 << 1.0 << 0.0;
+        QTest::newRow("bluetooth") << int(K::Bluetooth) << 2441.0 << 79.0 << 0.3 << 625e-6 << kSweepS;
+        QTest::newRow("bluetooth, 10 sweeps/s") << int(K::Bluetooth) << 2441.0 << 79.0 << 0.3 << 625e-6 << 0.1;
+        QTest::newRow("oven") << int(K::MicrowaveOven) << 2455.0 << 20.0 << 0.5 << 0.0 << kSweepS;
+        QTest::newRow("video") << int(K::AvTransmitter) << 2432.0 << 18.0 << 1.0 << 0.0 << kSweepS;
+        QTest::newRow("zigbee") << int(K::Zigbee) << 2425.0 << 2.0 << 0.2 << 3e-3 << kSweepS;
+        QTest::newRow("zigbee, 10 sweeps/s") << int(K::Zigbee) << 2425.0 << 2.0 << 0.2 << 3e-3 << 0.1;
+        QTest::newRow("dsss") << int(K::WifiDsss) << 2462.0 << 22.0 << 0.4 << 1e-3 << kSweepS;
+        QTest::newRow("narrowband") << int(K::Narrowband) << 2417.3 << 0.05 << 1.0 << 0.0 << kSweepS;
     }
 
     void eachKindOf24GHzIsTold()
@@ -105,13 +109,15 @@ private slots:
         QFETCH(double, width);
         QFETCH(double, duty);
         QFETCH(double, slot);
+        QFETCH(double, every);
         wsa::TruthEmitter e = emitter(wsa::EmitterKind(kind), centre, width, 15, duty, slot);
         e.mainsHz = 50;
         wsa::Analyzer analyzer(*wsa::findBand("2g4"));
-        run(analyzer, {e}, 10);
+        run(analyzer, {e}, 10, 5, every);
         const wsa::EmitterReport r = only(analyzer, e.kind);
         QCOMPARE(int(r.kind), kind);
         QVERIFY(std::fabs(r.centerMHz - centre) <= std::max(2.0, width / 4));
+        QVERIFY2(r.reportedS - e.startS <= 2, qPrintable(QString::number(r.reportedS - e.startS)));
         if (e.kind == wsa::EmitterKind::Zigbee)
             QCOMPARE(r.channel, 15);
         else
