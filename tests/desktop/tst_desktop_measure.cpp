@@ -9,15 +9,10 @@
 #include "peaks.h"
 #include "sweepstore.h"
 
-using namespace wsa::desktop;
+using namespace desktoptest;
 
 namespace
 {
-
-const wsa::Band& band(wsa::BandId id)
-{
-    return *wsa::findBand(id);
-}
 
 // A floor of -90 dBm with peaks of the given height at the given cells.
 std::vector<float> withPeaks(int n, std::initializer_list<std::pair<int, float>> peaks)
@@ -75,47 +70,45 @@ private slots:
         const auto& b24 = band(wsa::BandId::Ghz24);
         const auto& b5 = band(wsa::BandId::Ghz5);
         const auto& b6 = band(wsa::BandId::Ghz6);
-        QCOMPARE(channelAt(b24, 20, 2437e6), 6);
-        QCOMPARE(channelAt(b24, 20, 2439e6), 6); // overlapping: the nearest centre
-        QCOMPARE(channelAt(b24, 20, 2484e6), 14);
-        QCOMPARE(channelAt(b24, 20, 2300e6), 0);
-        QCOMPARE(channelAt(b5, 20, 5180e6), 36);
-        QCOMPARE(channelAt(b5, 80, 5180e6), 42);
-        QCOMPARE(channelAt(b5, 160, 5500e6), 114);
-        QCOMPARE(channelAt(b5, 20, 5400e6), 0); // the gap between the sub-bands
-        QCOMPARE(channelAt(b6, 20, 5955e6), 1);
-        QCOMPARE(channelAt(b6, 160, 6265e6), 47);
-        QCOMPARE(channelAt(b6, 30, 6000e6), 0); // a width the plan does not have
+        // Overlapping channels: the nearest centre (2439 MHz); none outside the band, in the gap
+        // between the 5 GHz sub-bands, or for a width the plan does not have.
+        QCOMPARE(QList<int>({channelAt(b24, 20, 2437e6), channelAt(b24, 20, 2439e6),
+                             channelAt(b24, 20, 2484e6), channelAt(b24, 20, 2300e6)}),
+                 QList<int>({6, 6, 14, 0}));
+        QCOMPARE(QList<int>({channelAt(b5, 20, 5180e6), channelAt(b5, 80, 5180e6),
+                             channelAt(b5, 160, 5500e6), channelAt(b5, 20, 5400e6)}),
+                 QList<int>({36, 42, 114, 0}));
+        QCOMPARE(QList<int>({channelAt(b6, 20, 5955e6), channelAt(b6, 160, 6265e6),
+                             channelAt(b6, 30, 6000e6)}),
+                 QList<int>({1, 47, 0}));
     }
 
     void markersSnapStepAndRead()
     {
         const auto& b = band(wsa::BandId::Ghz5);
         SweepStore store(b);
-        const auto sweep = desktoptest::sweepWithSignal(b, 5500e6, -42, -90);
-        store.addSweep(sweep.data(), int(sweep.size()), 0);
+        addSignal(store, 5500e6, -42, -90);
         Markers markers;
         QSignalSpy changed(&markers, &Markers::changed);
         QVERIFY(!markers.reading(store, 0, 20).valid);
 
         markers.place(0, store, 5500.2e6);
-        const int cell = desktoptest::cellOf(b, 5500e6);
-        MarkerReading r = markers.reading(store, 0, 20);
-        QVERIFY(r.valid);
-        QCOMPARE(r.bin, cell);
+        const int cell = cellOf(b, 5500e6);
+        const MarkerReading r = markers.reading(store, 0, 20);
+        QVERIFY(r.valid && !r.hasDelta);
+        QCOMPARE(QList<int>({r.bin, r.channel}), QList<int>({cell, 100}));
         QCOMPARE(r.hz, b.grid.binHz(cell));
         QCOMPARE(r.dbm, -42.0f);
-        QCOMPARE(r.channel, 100);
-        QVERIFY(!r.hasDelta);
 
-        markers.step(0, store, -3);
-        QCOMPARE(markers.reading(store, 0, 20).bin, cell - 3);
-        markers.step(0, store, -100000);
-        QCOMPARE(markers.reading(store, 0, 20).bin, 0);
-        markers.step(0, store, 100000);
-        QCOMPARE(markers.reading(store, 0, 20).bin, b.grid.shown - 1);
+        // Steps stop at the grid's edges; a placement at no frequency moves nothing.
+        QList<int> bins;
+        for (int step : {-3, -100000, 100000}) {
+            markers.step(0, store, step);
+            bins << markers.reading(store, 0, 20).bin;
+        }
         markers.place(0, store, std::nan(""));
-        QCOMPARE(markers.reading(store, 0, 20).bin, b.grid.shown - 1);
+        bins << markers.reading(store, 0, 20).bin;
+        QCOMPARE(bins, QList<int>({cell - 3, 0, b.grid.shown - 1, b.grid.shown - 1}));
         markers.place(7, store, 5500e6); // no such marker: ignored
         QVERIFY(changed.count() >= 4);
     }
@@ -124,9 +117,9 @@ private slots:
     {
         const auto& b = band(wsa::BandId::Ghz24);
         SweepStore store(b);
-        auto sweep = desktoptest::sweepWithSignal(b, 2437e6, -40, -90, 9);
-        const int strong = desktoptest::cellOf(b, 2437e6);
-        const int weak = desktoptest::cellOf(b, 2462e6);
+        auto sweep = sweepWithSignal(b, 2437e6, -40, -90, 9);
+        const int strong = cellOf(b, 2437e6);
+        const int weak = cellOf(b, 2462e6);
         sweep[std::size_t(weak)] = -65;
         store.addSweep(sweep.data(), int(sweep.size()), 0);
         sweep[std::size_t(weak)] = -90;
@@ -170,14 +163,14 @@ private slots:
         markers.setFollowsPeak(2, true); // on the current trace
         markers.place(0, store, 6000e6); // placed, not following
         for (double hz : {6100e6, 6900e6, 6300e6}) {
-            const auto sweep = desktoptest::sweepWithSignal(b, hz, -40 - (hz - 6100e6) / 1e8, -95);
+            const auto sweep = sweepWithSignal(b, hz, -40 - (hz - 6100e6) / 1e8, -95);
             store.addSweep(sweep.data(), int(sweep.size()), 0);
             markers.followPeaks(store);
-            QCOMPARE(markers.reading(store, 2, 20).bin, desktoptest::cellOf(b, hz));
+            QCOMPARE(markers.reading(store, 2, 20).bin, cellOf(b, hz));
         }
         // The maximum still holds the first, strongest signal.
-        QCOMPARE(markers.reading(store, 1, 20).bin, desktoptest::cellOf(b, 6100e6));
-        QCOMPARE(markers.reading(store, 0, 20).bin, desktoptest::cellOf(b, 6000e6));
+        QCOMPARE(markers.reading(store, 1, 20).bin, cellOf(b, 6100e6));
+        QCOMPARE(markers.reading(store, 0, 20).bin, cellOf(b, 6000e6));
         markers.setOn(2, false);
         markers.followPeaks(store);
         QVERIFY(!markers.marker(2).on);
