@@ -5,9 +5,6 @@
 #include <QSignalSpy>
 #include <QtTest>
 #include <csignal>
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include "acquisition.h"
@@ -24,39 +21,32 @@ using namespace wsa::desktop;
 namespace standin
 {
 
-int g_fd = -1;
+QLocalSocket* g_link = nullptr;
 
 void send(const std::vector<char>& bytes)
 {
-    (void)!::write(g_fd, bytes.data(), bytes.size());
+    g_link->write(bytes.data(), qint64(bytes.size()));
+    g_link->waitForBytesWritten(1000);
 }
 
-bool connectTo(const QByteArray& path)
+bool connectTo(const QString& path)
 {
-    g_fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un addr = {};
-    addr.sun_family = AF_UNIX;
-    std::snprintf(addr.sun_path, sizeof addr.sun_path, "%s", path.constData());
-    for (int i = 0; i < 50; ++i) {
-        if (::connect(g_fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) == 0)
-            return true;
-        ::usleep(100000);
+    for (int i = 0; i < 50 && g_link->state() != QLocalSocket::ConnectedState; ++i) {
+        g_link->connectToServer(path);
+        if (!g_link->waitForConnected(100))
+            ::usleep(100000);
     }
-    return false;
+    return g_link->state() == QLocalSocket::ConnectedState;
 }
 
 // Waits up to ms for the link's bytes; false once it has closed.
 bool readControls(int ms, const FrameReader::Handlers& handlers)
 {
     static FrameReader reader(handlers);
-    pollfd p = {g_fd, POLLIN, 0};
-    if (::poll(&p, 1, ms) <= 0)
-        return true;
-    char buffer[256];
-    const ssize_t n = ::read(g_fd, buffer, sizeof buffer);
-    if (n <= 0)
-        return false;
-    reader.feed(buffer, std::size_t(n));
+    if (!g_link->bytesAvailable() && !g_link->waitForReadyRead(ms))
+        return g_link->state() == QLocalSocket::ConnectedState;
+    const QByteArray bytes = g_link->readAll();
+    reader.feed(bytes.constData(), std::size_t(bytes.size()));
     return true;
 }
 
@@ -87,7 +77,9 @@ int run(int argc, char** argv)
         ::usleep(800000);
     if (mode == "mute")
         ::sleep(30);
-    if (!connectTo(qgetenv("WSA_FRONT_SOCKET")))
+    QLocalSocket link;
+    g_link = &link;
+    if (!connectTo(qEnvironmentVariable("WSA_FRONT_SOCKET")))
         return 5;
     std::vector<char> out;
     if (mode == "exit") {
@@ -356,8 +348,10 @@ private slots:
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsSet("WSA_FRONT_SOCKET"))
+    if (qEnvironmentVariableIsSet("WSA_FRONT_SOCKET")) {
+        QCoreApplication app(argc, argv);
         return standin::run(argc, argv);
+    }
     QApplication app(argc, argv);
     TestDesktopLink test;
     return QTest::qExec(&test, argc, argv);
