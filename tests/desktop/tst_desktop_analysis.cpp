@@ -37,18 +37,21 @@ private slots:
         QSignalSpy changed(&m, &AnalysisModel::changed);
         QVERIFY(m.takeJson(kKnown));
         QCOMPARE(changed.count(), 1);
-        QCOMPARE(QList<double>({double(m.sweeps()), m.noiseFloorDbm()}), QList<double>({1200, -96.5}));
+        QCOMPARE(QList<double>({double(m.sweeps()), m.noiseFloorDbm()}),
+                 QList<double>({1200, -96.5}));
         QCOMPARE(m.widths(), QVector<int>({20, 40}));
         const QVector<ChannelRow> c20 = m.channels(20);
         QCOMPARE(c20.size(), 3);
-        QCOMPARE(QList<int>({c20[0].channel, c20[1].channel, c20[2].channel}), QList<int>({1, 6, 11}));
+        QCOMPARE(QList<int>({c20[0].channel, c20[1].channel, c20[2].channel}),
+                 QList<int>({1, 6, 11}));
         QVERIFY(std::isnan(c20[1].meanDbm));
         QCOMPARE(QList<int>({m.freestChannel(20), m.freestChannel(80)}), QList<int>({1, -1}));
         QCOMPARE(m.channels(40)[0].centerMHz, 2422.0);
         QVERIFY(m.channels(80).isEmpty());
         QCOMPARE(m.emitters().size(), 2);
         const EmitterRow& wifi = m.emitters()[1];
-        QCOMPARE(QList<qint64>({wifi.id, wifi.channel, m.emitters()[0].channel, int(wifi.features.size())}),
+        QCOMPARE(QList<qint64>(
+                     {wifi.id, wifi.channel, m.emitters()[0].channel, int(wifi.features.size())}),
                  QList<qint64>({7, 6, 0, 2}));
         QVERIFY(wifi.active && !m.emitters()[0].active);
         m.clear();
@@ -165,11 +168,13 @@ private slots:
         QVERIFY(ended.data(Qt::ForegroundRole).isValid() && ended.data(Qt::FontRole).isValid());
         QVERIFY(!active.data(Qt::ForegroundRole).isValid());
         auto text = [&](int row, int col) { return model->index(row, col).data().toString(); };
-        QCOMPARE(QStringList({text(1, EmitterTableModel::Channel), text(0, EmitterTableModel::Channel),
-                              text(1, EmitterTableModel::Duty)}),
-                 QStringList({"6", "\u2013", "31 %"}));
+        QCOMPARE(
+            QStringList({text(1, EmitterTableModel::Channel), text(0, EmitterTableModel::Channel),
+                         text(1, EmitterTableModel::Duty)}),
+            QStringList({"6", "\u2013", "31 %"}));
         const QString tip = active.data(Qt::ToolTipRole).toString();
-        QVERIFY2(tip.contains("flatness = 0.92") && tip.contains("edges_db = 18.5"), qPrintable(tip));
+        QVERIFY2(tip.contains("flatness = 0.92") && tip.contains("edges_db = 18.5"),
+                 qPrintable(tip));
     }
 
     // The window marks active emitters only; each bracket spans the columns of its edges.
@@ -202,8 +207,8 @@ private slots:
         }
         // The View menu shows and hides the docks.
         w.show();
-        for (QWidget* table : {static_cast<QWidget*>(w.channelTable()),
-                               static_cast<QWidget*>(w.emitterList())}) {
+        for (QWidget* table :
+             {static_cast<QWidget*>(w.channelTable()), static_cast<QWidget*>(w.emitterList())}) {
             QAction* toggle = childWithText<QAction>(&w, table->parentWidget()->windowTitle());
             QVERIFY(toggle && toggle->isChecked());
             toggle->trigger();

@@ -56,8 +56,8 @@ private slots:
         const QList<QByteArray> row = csvRow(csv, cell);
         QCOMPARE(row.size(), 5);
         QCOMPARE(row[0].toLongLong(), qint64(std::llround(m_b6.grid.binHz(cell))));
-        QCOMPARE(QList<double>({row[1].toDouble(), row[2].toDouble(), row[3].toDouble(),
-                                row[4].toDouble()}),
+        QCOMPARE(QList<double>(
+                     {row[1].toDouble(), row[2].toDouble(), row[3].toDouble(), row[4].toDouble()}),
                  QList<double>({-60.75, -50.5, -40.25, -60.75}));
         QCOMPARE(csvRow(csv, 0)[0].toLongLong(), qint64(std::llround(m_b6.grid.startHz)));
 
@@ -130,9 +130,11 @@ private slots:
         for (const QString& expected :
              {QString("<td>2.4 GHz</td>"), QString("<td>sim &lt;&amp;&gt;</td>"),
               QString("&lt;b&gt;x&amp;y&lt;/b&gt;"),
-              QString("<tr><td>1</td><td>2412.0</td><td>25.0</td><td>-80.0</td><td>-50.0</td></tr>"),
+              QString(
+                  "<tr><td>1</td><td>2412.0</td><td>25.0</td><td>-80.0</td><td>-50.0</td></tr>"),
               QString("<tr class=\"freest\"><td>6</td>"),
-              QString("<tr><td>1</td><td>%1</td><td>6</td><td>-42.5</td>").arg(markerHz / 1e6, 0, 'f', 3)})
+              QString("<tr><td>1</td><td>%1</td><td>6</td><td>-42.5</td>")
+                  .arg(markerHz / 1e6, 0, 'f', 3)})
             QVERIFY2(html.contains(expected), qPrintable(expected));
         QVERIFY(!html.contains("<b>x") && !html.contains("sim <"));
         // The picture is embedded whole.

@@ -250,17 +250,18 @@ private slots:
         QTest::addColumn<QString>("socketDir"); // empty: the test's own
         QTest::addColumn<QStringList>("expected");
         const QString self = QCoreApplication::applicationFilePath();
-        QTest::newRow("silent") << QByteArray("silent") << self << "" << QStringList{"sent nothing"};
+        QTest::newRow("silent") << QByteArray("silent") << self << ""
+                                << QStringList{"sent nothing"};
         QTest::newRow("garbage") << QByteArray("garbage") << self << "" << QStringList{"damaged"};
         QTest::newRow("exit") << QByteArray("exit") << self << ""
                               << QStringList{"status 3", "the radio thread died"};
         QTest::newRow("missing engine") << QByteArray("sweeps") << m_dir.filePath("no-engine") << ""
                                         << QStringList{"could not be started", "no-engine"};
-        QTest::newRow("never connects") << QByteArray("mute") << self << ""
-                                        << QStringList{"has not connected"};
-        QTest::newRow("socket cannot be made") << QByteArray("sweeps") << self
-                                               << m_dir.filePath("missing/dir")
-                                               << QStringList{"cannot be made"};
+        QTest::newRow("never connects")
+            << QByteArray("mute") << self << "" << QStringList{"has not connected"};
+        QTest::newRow("socket cannot be made")
+            << QByteArray("sweeps") << self << m_dir.filePath("missing/dir")
+            << QStringList{"cannot be made"};
     }
 
     void faults()

@@ -32,11 +32,12 @@ private slots:
     // unfinished, translated as nothing or losing a placeholder, mnemonic or tag fails here.
     void catalogueCoversEveryText()
     {
-        const wsatest::CatalogueCheck c =
-            wsatest::checkCatalogue(WSA_SOURCE_DIR "/translations/wsa_desktop_de.ts",
-                                    {WSA_SOURCE_DIR "/desktop"}, m_dir.filePath("wsa_desktop_de.ts"));
+        const wsatest::CatalogueCheck c = wsatest::checkCatalogue(
+            WSA_SOURCE_DIR "/translations/wsa_desktop_de.ts", {WSA_SOURCE_DIR "/desktop"},
+            m_dir.filePath("wsa_desktop_de.ts"));
         QVERIFY2(c.error.isEmpty(), qPrintable(c.error));
-        QVERIFY2(c.messages > 200, qPrintable(QString::number(c.messages))); // lupdate found our texts
+        QVERIFY2(c.messages > 200,
+                 qPrintable(QString::number(c.messages))); // lupdate found our texts
         QVERIFY2(c.faults.isEmpty(), qPrintable(c.faults.join('\n')));
     }
 

@@ -55,7 +55,8 @@ private slots:
             const QPoint at = firstOf(image, devicePixels(l.plot, dpr),
                                       traceColor(Trace::Current).rgb(), level > floor);
             const double x = v.spectrum.axis().columnOfBin(cellOf(b, hz)) * dpr;
-            QVERIFY2(std::abs(at.x() - x) <= 1.5, qPrintable(QString("%1 vs %2").arg(at.x()).arg(x)));
+            QVERIFY2(std::abs(at.x() - x) <= 1.5,
+                     qPrintable(QString("%1 vs %2").arg(at.x()).arg(x)));
             QVERIFY(std::abs(at.y() - yOf(l.plot, level) * dpr) <= 1.5);
         };
         atEverySize(check);
@@ -89,7 +90,8 @@ private slots:
         const QRgb window = colors::window().rgb();
         const auto plan = b.channels(width);
         const auto inGrid = std::count_if(plan.begin(), plan.end(), [&](const wsa::Channel& c) {
-            return c.centerMHz * 1e6 >= b.grid.lowEdgeHz() && c.centerMHz * 1e6 <= b.grid.highEdgeHz();
+            return c.centerMHz * 1e6 >= b.grid.lowEdgeHz() &&
+                   c.centerMHz * 1e6 <= b.grid.highEdgeHz();
         });
         atEverySize([&](const QSize& size, qreal dpr) {
             const QImage image = render(view, size, dpr);
@@ -105,7 +107,8 @@ private slots:
             for (const Tick& t : ticks) {
                 QVERIFY(t.value >= b.grid.lowEdgeHz() && t.value <= b.grid.highEdgeHz());
                 QCOMPARE(t.label, QString::number(t.value / 1e6));
-                const QRectF under(t.pos - 6, l.frequencyLabels.top(), 12, l.frequencyLabels.height());
+                const QRectF under(t.pos - 6, l.frequencyLabels.top(), 12,
+                                   l.frequencyLabels.height());
                 QVERIFY(hasInk(image, devicePixels(under, dpr), window));
             }
 
@@ -314,10 +317,11 @@ private slots:
             std::vector<float> sweep(std::size_t(b.grid.raw));
             for (int k = 0; k < 40; ++k) {
                 for (float& level : sweep)
-                    level = rng.bounded(20) == 0 ? odd[rng.bounded(5)] : -130 + float(rng.bounded(140));
+                    level =
+                        rng.bounded(20) == 0 ? odd[rng.bounded(5)] : -130 + float(rng.bounded(140));
                 DisplaySettings s;
-                const double lo =
-                    b.grid.lowEdgeHz() - 50e6 + rng.bounded(b.grid.highEdgeHz() - b.grid.lowEdgeHz());
+                const double lo = b.grid.lowEdgeHz() - 50e6 +
+                                  rng.bounded(b.grid.highEdgeHz() - b.grid.lowEdgeHz());
                 s.spanLowHz = rng.bounded(3) == 0 ? 0 : lo;
                 s.spanHighHz = rng.bounded(3) == 0 ? 0 : lo + rng.bounded(400e6) - 20e6;
                 s.bottomDbm = -130 + rng.bounded(125);
@@ -333,7 +337,8 @@ private slots:
                     view->setSettings(k < 3 ? DisplaySettings() : s);
                     v.feed.addSweep(sweep.data(), int(sweep.size()), k);
                     QVERIFY(!render(*view, size, dpr).isNull());
-                    v.feed.addSweep(sweep.data(), int(sweep.size()), k); // into the layer just built
+                    v.feed.addSweep(sweep.data(), int(sweep.size()),
+                                    k); // into the layer just built
                     QVERIFY(!render(*view, size, dpr).isNull());
                     QVERIFY(view->span().lowHz >= b.grid.lowEdgeHz() - 1);
                     QVERIFY(view->span().highHz <= b.grid.highEdgeHz() + 1);
@@ -352,7 +357,8 @@ private slots:
         auto peakRow = [&] {
             const QImage image = render(v.spectrum, QSize(900, 400), 1);
             return firstOf(image, v.spectrum.plotLayout().plot.toAlignedRect(),
-                           traceColor(Trace::Maximum).rgb()).y();
+                           traceColor(Trace::Maximum).rgb())
+                .y();
         };
         v.spectrum.resize(900, 400);
         const QRectF plot = v.spectrum.plotLayout().plot;

@@ -115,7 +115,8 @@ private slots:
         QCOMPARE(spy.count(), 1);
         const QString text = spy.last().at(0).toString();
         QVERIFY2((text.contains("5500.") || text.contains("5499.")) &&
-                     text.contains("channel 100") && (text.contains("-60.") || text.contains("-59.")),
+                     text.contains("channel 100") &&
+                     (text.contains("-60.") || text.contains("-59.")),
                  qPrintable(text));
         QVERIFY(view->describePoint(QPointF(1, 1)).isEmpty());
         const PlotLayout l = view->plotLayout();
@@ -131,7 +132,8 @@ private slots:
         const QRectF plot = fall->plotLayout().plot;
         const QString row4 = fall->describePoint(QPointF(plot.center().x(), plot.top() + 4.5));
         QVERIFY2(row4.contains("4 sweeps ago (1.0 s)"), qPrintable(row4));
-        QVERIFY(!fall->describePoint(QPointF(plot.center().x(), plot.bottom() - 1)).contains("ago"));
+        QVERIFY(
+            !fall->describePoint(QPointF(plot.center().x(), plot.bottom() - 1)).contains("ago"));
     }
 
     void wheelZoomsAboutThePointerInEveryView()
@@ -145,7 +147,8 @@ private slots:
         wheel(view, at, 240);
         auto span = [&] { return visibleSpan(t.feed.shown().grid(), w.settings()); };
         const Span zoomed = span();
-        QVERIFY(std::abs(zoomed.widthHz() - 0.64 * (b5().grid.highEdgeHz() - b5().grid.lowEdgeHz())) < 1e3);
+        QVERIFY(std::abs(zoomed.widthHz() -
+                         0.64 * (b5().grid.highEdgeHz() - b5().grid.lowEdgeHz())) < 1e3);
         // The frequency under the pointer stays under it, in every view.
         QVERIFY(std::abs(view->axis().hzOfColumn(at.x()) - before) < 1e3);
         QCOMPARE(w.waterfall()->settings(), w.settings());
@@ -211,7 +214,8 @@ private slots:
         click(t.w, "< Peak");
         QCOMPARE(t.reading().dbm, -35.0f);
         // Following the peak: the marker goes where the strongest signal goes.
-        QCheckBox* follow = childWithText<QCheckBox>(t.w.controls(), QObject::tr("Follow the peak"));
+        QCheckBox* follow =
+            childWithText<QCheckBox>(t.w.controls(), QObject::tr("Follow the peak"));
         QVERIFY(follow);
         follow->setChecked(true);
         QCOMPARE(t.reading().dbm, -35.0f);

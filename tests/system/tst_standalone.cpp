@@ -286,7 +286,8 @@ void TestStandalone::desktopRuntimeDirectory_data()
     QTest::newRow("own directory, too open") << QString("own") << QString();
     QTest::newRow("symbolic link") << QString("link") << QString("is a symbolic link");
     QTest::newRow("file") << QString("file") << QString("is not a directory");
-    QTest::newRow("another user's directory") << QString("foreign") << QString("belongs to another user");
+    QTest::newRow("another user's directory")
+        << QString("foreign") << QString("belongs to another user");
 }
 
 void TestStandalone::desktopRuntimeDirectory()

@@ -42,8 +42,8 @@ void addSignal(Sink& sink, double hz, float level, float floorDbm = -95, int cel
     const auto sweep = sweepWithSignal(sink.band(), hz, level, floorDbm, cells);
     sink.addSweep(sweep.data(), int(sweep.size()), timeMs);
 }
-inline void addSignal(SweepFeed& feed, double hz, float level, float floorDbm = -95,
-                      int cells = 1, qint64 timeMs = 0)
+inline void addSignal(SweepFeed& feed, double hz, float level, float floorDbm = -95, int cells = 1,
+                      qint64 timeMs = 0)
 {
     const auto sweep = sweepWithSignal(feed.shown().band(), hz, level, floorDbm, cells);
     feed.addSweep(sweep.data(), int(sweep.size()), timeMs);
@@ -122,8 +122,7 @@ bool hasInk(const QImage& image, const QRect& devicePixels, QRgb background);
 QPoint firstOf(const QImage& image, const QRect& area, QRgb color, bool fromTop = true);
 
 // The first child of this type whose text() is `text`.
-template <class T>
-T* childWithText(const QObject* parent, const QString& text)
+template <class T> T* childWithText(const QObject* parent, const QString& text)
 {
     for (T* c : parent->findChildren<T*>()) {
         if (c->text() == text)
