@@ -9,12 +9,8 @@
 #include "colormap.h"
 #include "desktoptestsupport.h"
 #include "emitterlist.h"
-#include "instrumentwindow.h"
-#include "markers.h"
-#include "spectrumview.h"
-#include "sweepfeed.h"
 
-using namespace wsa::desktop;
+using namespace desktoptest;
 
 namespace
 {
@@ -41,24 +37,23 @@ private slots:
         QSignalSpy changed(&m, &AnalysisModel::changed);
         QVERIFY(m.takeJson(kKnown));
         QCOMPARE(changed.count(), 1);
-        QCOMPARE(m.sweeps(), 1200);
-        QCOMPARE(m.noiseFloorDbm(), -96.5);
+        QCOMPARE(QList<double>({double(m.sweeps()), m.noiseFloorDbm()}),
+                 QList<double>({1200, -96.5}));
         QCOMPARE(m.widths(), QVector<int>({20, 40}));
         const QVector<ChannelRow> c20 = m.channels(20);
         QCOMPARE(c20.size(), 3);
-        QCOMPARE(QList<int>({c20[0].channel, c20[1].channel, c20[2].channel}), QList<int>({1, 6, 11}));
+        QCOMPARE(QList<int>({c20[0].channel, c20[1].channel, c20[2].channel}),
+                 QList<int>({1, 6, 11}));
         QVERIFY(std::isnan(c20[1].meanDbm));
-        QCOMPARE(m.freestChannel(20), 1);
+        QCOMPARE(QList<int>({m.freestChannel(20), m.freestChannel(80)}), QList<int>({1, -1}));
         QCOMPARE(m.channels(40)[0].centerMHz, 2422.0);
         QVERIFY(m.channels(80).isEmpty());
-        QCOMPARE(m.freestChannel(80), -1);
         QCOMPARE(m.emitters().size(), 2);
         const EmitterRow& wifi = m.emitters()[1];
-        QCOMPARE(wifi.id, 7);
-        QCOMPARE(wifi.channel, 6);
+        QCOMPARE(QList<qint64>(
+                     {wifi.id, wifi.channel, m.emitters()[0].channel, int(wifi.features.size())}),
+                 QList<qint64>({7, 6, 0, 2}));
         QVERIFY(wifi.active && !m.emitters()[0].active);
-        QCOMPARE(m.emitters()[0].channel, 0);
-        QCOMPARE(wifi.features.size(), 2);
         m.clear();
         QVERIFY(m.isEmpty());
     }
@@ -132,14 +127,14 @@ private slots:
 
         // Each bar is as long as its share of the occupancy cell.
         table.resize(600, 300);
-        const QImage image = desktoptest::render(table, QSize(600, 300), 1);
-        const QRgb bar = OccupancyDelegate::barColor().rgb() & 0xffffff;
+        const QImage image = render(table, QSize(600, 300), 1);
+        const QRgb bar = rgb(OccupancyDelegate::barColor().rgb());
         for (int row = 0; row < 3; ++row) {
             const QRect cell = table.visualRect(model->index(row, ChannelTableModel::Occupancy))
                                    .translated(table.viewport()->pos());
             int painted = 0;
             for (int x = cell.left(); x <= cell.right(); ++x)
-                painted += (image.pixel(x, cell.center().y() - 3) & 0xffffff) == bar;
+                painted += rgbAt(image, x, cell.center().y() - 3) == bar;
             const double share = model->rows()[row].occupancy;
             QVERIFY2(std::abs(painted - share * (cell.width() - 4)) <= 2,
                      qPrintable(QStringLiteral("%1 of %2").arg(painted).arg(cell.width())));
@@ -169,64 +164,58 @@ private slots:
         QCOMPARE(model->rowCount(), 2);
         const QModelIndex ended = model->index(0, EmitterTableModel::Kind);
         const QModelIndex active = model->index(1, EmitterTableModel::Kind);
-        QVERIFY(ended.data().toString().contains(QStringLiteral("Microwave oven")));
+        QVERIFY(ended.data().toString().contains("Microwave oven"));
         QVERIFY(ended.data(Qt::ForegroundRole).isValid() && ended.data(Qt::FontRole).isValid());
         QVERIFY(!active.data(Qt::ForegroundRole).isValid());
-        QCOMPARE(model->index(1, EmitterTableModel::Channel).data().toString(), QStringLiteral("6"));
-        QCOMPARE(model->index(0, EmitterTableModel::Channel).data().toString(),
-                 QStringLiteral("\u2013"));
-        QCOMPARE(model->index(1, EmitterTableModel::Duty).data().toString(), QStringLiteral("31 %"));
+        auto text = [&](int row, int col) { return model->index(row, col).data().toString(); };
+        QCOMPARE(
+            QStringList({text(1, EmitterTableModel::Channel), text(0, EmitterTableModel::Channel),
+                         text(1, EmitterTableModel::Duty)}),
+            QStringList({"6", "\u2013", "31 %"}));
         const QString tip = active.data(Qt::ToolTipRole).toString();
-        QVERIFY2(tip.contains(QStringLiteral("flatness = 0.92")) &&
-                     tip.contains(QStringLiteral("edges_db = 18.5")),
+        QVERIFY2(tip.contains("flatness = 0.92") && tip.contains("edges_db = 18.5"),
                  qPrintable(tip));
     }
 
     // The window marks active emitters only; each bracket spans the columns of its edges.
     void emitterMarksSpanTheirFrequencies()
     {
-        const wsa::Band& b = *wsa::findBand(wsa::BandId::Ghz24);
-        SweepFeed feed(b);
-        InstrumentWindow w(&feed);
+        Window t(wsa::BandId::Ghz24);
+        InstrumentWindow& w = t.w;
         w.analysis()->takeJson(kKnown);
         const auto& marks = w.spectrum()->emitterMarks();
         QCOMPARE(int(marks.size()), 1);
-        QCOMPARE(marks[0].lowHz, 2427e6);
-        QCOMPARE(marks[0].highHz, 2447e6);
+        QCOMPARE(QList<double>({marks[0].lowHz, marks[0].highHz}), QList<double>({2427e6, 2447e6}));
 
-        Markers markers;
-        SpectrumView view(&feed, &markers);
-        view.setEmitterMarks(marks);
-        const QRgb color = colors::emitter().rgb() & 0xffffff;
+        Views v(t.feed.shown().band());
+        v.spectrum.setEmitterMarks(marks);
+        const QRgb color = rgb(colors::emitter().rgb());
         for (const QSize& size : {QSize(520, 260), QSize(1400, 500)}) {
-            const QImage image = desktoptest::render(view, size, 1);
-            const QRectF plot = view.plotLayout().plot;
+            const QImage image = render(v.spectrum, size, 1);
+            const QRectF plot = v.spectrum.plotLayout().plot;
             int left = -1, right = -1;
             for (int y = int(plot.top()); y < int(plot.top()) + 6; ++y) {
                 for (int x = int(plot.left()); x < int(plot.right()); ++x) {
-                    if ((image.pixel(x, y) & 0xffffff) != color)
-                        continue;
-                    left = left < 0 ? x : std::min(left, x);
-                    right = std::max(right, x);
+                    if (rgbAt(image, x, y) == color) {
+                        left = left < 0 ? x : std::min(left, x);
+                        right = std::max(right, x);
+                    }
                 }
             }
-            QVERIFY(std::abs(left - view.axis().columnOfHz(2427e6)) <= 1);
-            QVERIFY(std::abs(right - view.axis().columnOfHz(2447e6)) <= 1);
+            QVERIFY(std::abs(left - v.spectrum.axis().columnOfHz(2427e6)) <= 1);
+            QVERIFY(std::abs(right - v.spectrum.axis().columnOfHz(2447e6)) <= 1);
         }
         // The View menu shows and hides the docks.
         w.show();
-        for (QWidget* table : {static_cast<QWidget*>(w.channelTable()),
-                               static_cast<QWidget*>(w.emitterList())}) {
-            QAction* toggle = nullptr;
-            for (QAction* a : w.findChildren<QAction*>())
-                if (a->text() == table->parentWidget()->windowTitle())
-                    toggle = a;
+        for (QWidget* table :
+             {static_cast<QWidget*>(w.channelTable()), static_cast<QWidget*>(w.emitterList())}) {
+            QAction* toggle = childWithText<QAction>(&w, table->parentWidget()->windowTitle());
             QVERIFY(toggle && toggle->isChecked());
             toggle->trigger();
             QVERIFY(!table->parentWidget()->isVisibleTo(&w));
         }
         // A band change drops what the analysis said.
-        feed.configure(*wsa::findBand(wsa::BandId::Ghz5));
+        t.feed.configure(band(wsa::BandId::Ghz5));
         QVERIFY(w.analysis()->isEmpty());
         QVERIFY(w.spectrum()->emitterMarks().empty());
     }

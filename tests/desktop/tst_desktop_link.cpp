@@ -2,13 +2,9 @@
 // STANDIN_MODE set, which connects to WSA_FRONT_SOCKET and plays one engine behaviour.
 #include <QLocalSocket>
 #include <QLabel>
-#include <QSettings>
 #include <QSignalSpy>
 #include <QtTest>
 #include <csignal>
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include "acquisition.h"
@@ -25,39 +21,32 @@ using namespace wsa::desktop;
 namespace standin
 {
 
-int g_fd = -1;
+QLocalSocket* g_link = nullptr;
 
 void send(const std::vector<char>& bytes)
 {
-    (void)!::write(g_fd, bytes.data(), bytes.size());
+    g_link->write(bytes.data(), qint64(bytes.size()));
+    g_link->waitForBytesWritten(1000);
 }
 
-bool connectTo(const QByteArray& path)
+bool connectTo(const QString& path)
 {
-    g_fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un addr = {};
-    addr.sun_family = AF_UNIX;
-    std::snprintf(addr.sun_path, sizeof addr.sun_path, "%s", path.constData());
-    for (int i = 0; i < 50; ++i) {
-        if (::connect(g_fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) == 0)
-            return true;
-        ::usleep(100000);
+    for (int i = 0; i < 50 && g_link->state() != QLocalSocket::ConnectedState; ++i) {
+        g_link->connectToServer(path);
+        if (!g_link->waitForConnected(100))
+            ::usleep(100000);
     }
-    return false;
+    return g_link->state() == QLocalSocket::ConnectedState;
 }
 
 // Waits up to ms for the link's bytes; false once it has closed.
 bool readControls(int ms, const FrameReader::Handlers& handlers)
 {
     static FrameReader reader(handlers);
-    pollfd p = {g_fd, POLLIN, 0};
-    if (::poll(&p, 1, ms) <= 0)
-        return true;
-    char buffer[256];
-    const ssize_t n = ::read(g_fd, buffer, sizeof buffer);
-    if (n <= 0)
-        return false;
-    reader.feed(buffer, std::size_t(n));
+    if (!g_link->bytesAvailable() && !g_link->waitForReadyRead(ms))
+        return g_link->state() == QLocalSocket::ConnectedState;
+    const QByteArray bytes = g_link->readAll();
+    reader.feed(bytes.constData(), std::size_t(bytes.size()));
     return true;
 }
 
@@ -88,7 +77,9 @@ int run(int argc, char** argv)
         ::usleep(800000);
     if (mode == "mute")
         ::sleep(30);
-    if (!connectTo(qgetenv("WSA_FRONT_SOCKET")))
+    QLocalSocket link;
+    g_link = &link;
+    if (!connectTo(qEnvironmentVariable("WSA_FRONT_SOCKET")))
         return 5;
     std::vector<char> out;
     if (mode == "exit") {
@@ -256,29 +247,39 @@ private slots:
     {
         QTest::addColumn<QByteArray>("mode");
         QTest::addColumn<QString>("engine");
+        QTest::addColumn<QString>("socketDir"); // empty: the test's own
         QTest::addColumn<QStringList>("expected");
         const QString self = QCoreApplication::applicationFilePath();
-        QTest::newRow("silent") << QByteArray("silent") << self << QStringList{"sent nothing"};
-        QTest::newRow("garbage") << QByteArray("garbage") << self << QStringList{"damaged"};
-        QTest::newRow("exit") << QByteArray("exit") << self
+        QTest::newRow("silent") << QByteArray("silent") << self << ""
+                                << QStringList{"sent nothing"};
+        QTest::newRow("garbage") << QByteArray("garbage") << self << "" << QStringList{"damaged"};
+        QTest::newRow("exit") << QByteArray("exit") << self << ""
                               << QStringList{"status 3", "the radio thread died"};
-        QTest::newRow("missing engine") << QByteArray("sweeps") << m_dir.filePath("no-engine")
+        QTest::newRow("missing engine") << QByteArray("sweeps") << m_dir.filePath("no-engine") << ""
                                         << QStringList{"could not be started", "no-engine"};
         QTest::newRow("never connects")
-            << QByteArray("mute") << self << QStringList{"has not connected"};
+            << QByteArray("mute") << self << "" << QStringList{"has not connected"};
+        QTest::newRow("socket cannot be made")
+            << QByteArray("sweeps") << self << m_dir.filePath("missing/dir")
+            << QStringList{"cannot be made"};
     }
 
     void faults()
     {
         QFETCH(QByteArray, mode);
         QFETCH(QString, engine);
+        QFETCH(QString, socketDir);
         QFETCH(QStringList, expected);
         EngineLink link;
         link.setTimeouts(600, 1500);
         QSignalSpy messages(&link, &EngineLink::message);
         EngineSetup s = setup(mode);
         s.enginePath = engine;
-        QVERIFY(link.start(s));
+        s.socketDir = socketDir.isEmpty() ? s.socketDir : socketDir;
+        // Only a link without its socket refuses to start at all.
+        QCOMPARE(link.start(s), socketDir.isEmpty());
+        if (!socketDir.isEmpty())
+            QVERIFY(!link.isRunning());
         QTRY_VERIFY_WITH_TIMEOUT(!messages.isEmpty(), 5000);
         const QString text = texts(messages).first();
         for (const QString& part : expected)
@@ -300,18 +301,6 @@ private slots:
         QCOMPARE(messages.count(), 1);
         QVERIFY(texts(messages).first().contains(QString::number(getpid())));
         QTRY_COMPARE(sweeps.count(), 3);
-    }
-
-    void socketThatCannotBeMade()
-    {
-        EngineLink link;
-        QSignalSpy messages(&link, &EngineLink::message);
-        EngineSetup s = setup("sweeps");
-        s.socketDir = m_dir.filePath("missing/dir");
-        QVERIFY(!link.start(s));
-        QVERIFY(!link.isRunning());
-        QCOMPARE(messages.count(), 1);
-        QVERIFY(texts(messages).first().contains("cannot be made"));
     }
 
     // The window shows the engine's reason in its bar and goes on; a recording keeps its band.
@@ -356,52 +345,14 @@ private slots:
         QCOMPARE(asked[0][1].toDouble(), 1.0);
         QVERIFY(bar.findChild<QLabel*>()->text().startsWith("0.0 / 0.0"));
     }
-
-    // Source, band, recording wish and markers come back; a recording that has gone does not.
-    void settingsRoundTrip()
-    {
-        const QString file = m_dir.filePath("settings.ini");
-        const Band& b6 = *findBand(BandId::Ghz6);
-        const double hz = b6.grid.binHz(b6.grid.shown / 3);
-        {
-            SweepFeed feed(b6);
-            InstrumentWindow w(&feed);
-            EngineLink link;
-            EngineSetup s = setup("silent", BandId::Ghz6);
-            s.source = "hackrf";
-            s.record = false;
-            w.attachEngine(&link, s);
-            w.markers()->place(2, feed.shown(), hz);
-            w.markers()->setTrace(2, Trace::Maximum);
-            w.markers()->setActive(2);
-            QSettings settings(file, QSettings::IniFormat);
-            w.saveSettings(settings);
-        }
-        QSettings settings(file, QSettings::IniFormat);
-        const EngineSetup restored = Acquisition::restoreSetup(settings, setup("silent"));
-        QCOMPARE(restored.source, QStringLiteral("hackrf"));
-        QCOMPARE(restored.band, &b6);
-        QVERIFY(!restored.record);
-        SweepFeed feed(*restored.band);
-        InstrumentWindow w(&feed);
-        w.restoreSettings(settings);
-        QCOMPARE(w.markers()->active(), 2);
-        const Marker& m = w.markers()->marker(2);
-        QVERIFY(m.on && !w.markers()->marker(0).on);
-        QCOMPARE(m.trace, Trace::Maximum);
-        QVERIFY(std::abs(m.hz - hz) < b6.grid.stepHz);
-
-        settings.setValue("source/key", "replay");
-        settings.setValue("source/recording", m_dir.filePath("gone.csv"));
-        QCOMPARE(Acquisition::restoreSetup(settings, setup("silent")).source,
-                 QStringLiteral("sim"));
-    }
 };
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsSet("WSA_FRONT_SOCKET"))
+    if (qEnvironmentVariableIsSet("WSA_FRONT_SOCKET")) {
+        QCoreApplication app(argc, argv);
         return standin::run(argc, argv);
+    }
     QApplication app(argc, argv);
     TestDesktopLink test;
     return QTest::qExec(&test, argc, argv);

@@ -1,6 +1,9 @@
 // The desktop window's sweep store and feed: the core store seen through the views' interface
-// (traces, density rows from the top, history order and times), holds, averaging, refusals of
-// bad sweeps, and pause (the picture frozen while the store keeps counting).
+// (traces, density rows from the top, history order and times), refusals of bad sweeps, and
+// pause (the picture frozen while the store keeps counting); the statistics themselves are the
+// core store's and tested with it. Peak search and markers on known sweeps: which cell each
+// search lands on, how markers snap, step and read, the delta against marker 1, and the channel
+// a frequency lies in.
 #include <QSignalSpy>
 #include <QtTest>
 #include <algorithm>
@@ -8,22 +11,30 @@
 #include <limits>
 
 #include "desktoptestsupport.h"
-#include "sweepfeed.h"
-#include "sweepstore.h"
+#include "peaks.h"
 
-using namespace wsa::desktop;
+using namespace desktoptest;
 
 namespace
 {
 
 const wsa::Band& band24()
 {
-    return *wsa::findBand(wsa::BandId::Ghz24);
+    return band(wsa::BandId::Ghz24);
 }
 
-std::vector<float> flat(const wsa::Band& band, float level)
+std::vector<float> flat(float level, int extra = 0)
 {
-    return std::vector<float>(std::size_t(band.grid.shown), level);
+    return std::vector<float>(std::size_t(band24().grid.shown + extra), level);
+}
+
+// A floor of -90 dBm with peaks of the given height at the given cells.
+std::vector<float> withPeaks(int n, std::initializer_list<std::pair<int, float>> peaks)
+{
+    std::vector<float> v(std::size_t(n), -90.0f);
+    for (auto [at, level] : peaks)
+        v[std::size_t(at)] = level;
+    return v;
 }
 
 } // namespace
@@ -33,13 +44,16 @@ class TestDesktopModel : public QObject
     Q_OBJECT
 private slots:
     // Whatever the band, the views read exactly what the core store counted: traces as they are,
-    // density rows flipped to count from the top, history newest first with its times.
+    // density rows flipped to count from the top, history newest first with its times; holds
+    // read nothing until a sweep has been counted since their reset.
     void viewsReadTheCoreStore()
     {
         for (const wsa::Band& b : wsa::allBands()) {
             SweepStore store(b, 8);
-            wsa::SweepStore plain(SweepStore::configFor(b, 8, store.averagingLength()));
-            desktoptest::BusyBand busy(b, 7);
+            store.setAveragingLength(3);
+            wsa::SweepStore plain(SweepStore::configFor(b, 8, 3));
+            QVERIFY(!store.trace(Trace::Current));
+            BusyBand busy(b, 7);
             const int bins = b.grid.shown;
             for (int s = 0; s < 20; ++s) {
                 const std::vector<float>& sweep = busy.next();
@@ -51,9 +65,11 @@ private slots:
             for (int t = 0; t < kTraceCount; ++t)
                 QVERIFY(std::equal(plainTraces[t], plainTraces[t] + bins, store.trace(Trace(t))));
             const int rows = store.densityRows();
+            QCOMPARE(rows, SweepStore::kDensityTopDbm - SweepStore::kDensityBottomDbm);
             for (int r = 0; r < rows; ++r)
                 for (int i = 0; i < bins; ++i)
                     QCOMPARE(store.densityRow(r)[i], plain.density(i, rows - 1 - r));
+            QVERIFY(!store.densityRow(-1) && !store.densityRow(rows));
             // The newest level is counted in the row the interface names for it.
             const float* current = store.trace(Trace::Current);
             for (int i = 0; i < bins; ++i) {
@@ -66,38 +82,16 @@ private slots:
                                    plain.historyRow(age)));
                 QCOMPARE(store.historyTimeMs(age), qint64(100 * (19 - age)));
             }
+            QVERIFY(!store.historyRow(8) && !store.historyRow(-1));
+            QCOMPARE(store.historyTimeMs(8), qint64(0));
+
+            store.resetHolds();
+            QVERIFY(store.trace(Trace::Current) && !store.trace(Trace::Maximum));
+            QVERIFY(store.addSweep(busy.next().data(), bins, 0));
+            QVERIFY(store.trace(Trace::Average) && store.trace(Trace::Minimum));
+            QCOMPARE(store.sweepCount(), 21u);
         }
-    }
-
-    void holdsFollowTheSweeps()
-    {
         SweepStore store(band24());
-        QVERIFY(!store.trace(Trace::Current));
-        for (float level : {-80.0f, -60.0f, -90.0f})
-            QVERIFY(store.addSweep(flat(band24(), level).data(), band24().grid.shown, 0));
-        QCOMPARE(store.trace(Trace::Current)[5], -90.0f);
-        QCOMPARE(store.trace(Trace::Maximum)[5], -60.0f);
-        QCOMPARE(store.trace(Trace::Minimum)[5], -90.0f);
-        // Within the averaging length the average is the plain mean.
-        QCOMPARE(store.trace(Trace::Average)[5], float((-80.0 - 60.0 - 90.0) / 3));
-
-        store.resetHolds();
-        QVERIFY(store.trace(Trace::Current));
-        QVERIFY(!store.trace(Trace::Maximum));
-        QVERIFY(store.addSweep(flat(band24(), -100).data(), band24().grid.shown, 0));
-        QCOMPARE(store.trace(Trace::Maximum)[0], -100.0f);
-        QCOMPARE(store.trace(Trace::Average)[0], -100.0f);
-        QCOMPARE(store.sweepCount(), 4u);
-    }
-
-    void averagingLengthWeighsOlderSweepsOut()
-    {
-        SweepStore store(band24());
-        store.setAveragingLength(2);
-        for (float level : {-80.0f, -60.0f, -60.0f})
-            store.addSweep(flat(band24(), level).data(), band24().grid.shown, 0);
-        // -80, then the mean -70, then -70 + (-60 - -70) / 2.
-        QCOMPARE(store.trace(Trace::Average)[0], -65.0f);
         store.setAveragingLength(0);
         QCOMPARE(store.averagingLength(), 1);
         store.setAveragingLength(1 << 20);
@@ -108,14 +102,13 @@ private slots:
     {
         SweepStore store(band24());
         const auto before = store.generation();
-        std::vector<float> shortSweep(std::size_t(band24().grid.shown - 1), -50);
-        QVERIFY(!store.addSweep(shortSweep.data(), int(shortSweep.size()), 0));
+        QVERIFY(!store.addSweep(flat(-50, -1).data(), band24().grid.shown - 1, 0));
         QVERIFY(!store.addSweep(nullptr, band24().grid.shown, 0));
         QCOMPARE(store.generation(), before);
         QCOMPARE(store.sweepCount(), 0u);
 
         // A longer record is fine: the cells past the grid are the source's padding.
-        std::vector<float> sweep(std::size_t(band24().grid.raw + 10), -70);
+        std::vector<float> sweep = flat(-70, band24().grid.raw + 10 - band24().grid.shown);
         sweep[0] = std::numeric_limits<float>::quiet_NaN();
         sweep[1] = std::numeric_limits<float>::infinity();
         sweep[2] = 1e30f;
@@ -129,59 +122,16 @@ private slots:
         // Huge levels land in the outermost density rows.
         QCOMPARE(store.densityRow(0)[2], 1u);
         QCOMPARE(store.densityRow(store.densityRows() - 1)[3], 1u);
-        QVERIFY(!store.densityRow(-1) && !store.densityRow(store.densityRows()));
-    }
 
-    void densityCountsEachLevelInItsRow()
-    {
-        SweepStore store(band24());
-        const int bins = band24().grid.shown;
-        QCOMPARE(store.densityRows(), SweepStore::kDensityTopDbm - SweepStore::kDensityBottomDbm);
-        auto sweep = flat(band24(), -70.5f);
-        sweep[10] = -40.0f;
-        for (int s = 0; s < 3; ++s)
-            store.addSweep(sweep.data(), bins, s);
-        const auto count = [&](int dbmLow, int bin) {
-            return store.densityRow(store.densityTopDbm() - dbmLow - 1)[bin];
-        };
-        QCOMPARE(count(-71, 0), 3u); // -70.5 lies in [-71, -70)
-        QCOMPARE(count(-70, 0), 0u);
-        QCOMPARE(count(-40, 10), 3u);
-        QCOMPARE(store.densitySweeps(), 3u);
-        store.resetDensity();
-        QCOMPARE(count(-71, 0), 0u);
-        QCOMPARE(store.densitySweeps(), 0u);
-        QCOMPARE(store.sweepCount(), 3u);
-    }
-
-    void historyRingKeepsTheNewestFirst()
-    {
-        SweepStore store(band24(), 4);
-        for (int s = 0; s < 6; ++s)
-            store.addSweep(flat(band24(), -100.0f + s).data(), band24().grid.shown, 1000 + s);
-        QCOMPARE(store.historyRows(), 4);
-        for (int age = 0; age < 4; ++age) {
-            QCOMPARE(store.historyRow(age)[0], -100.0f + 5 - age);
-            QCOMPARE(store.historyTimeMs(age), qint64(1005 - age));
-        }
-        QVERIFY(!store.historyRow(4));
-        QVERIFY(!store.historyRow(-1));
-        QCOMPARE(store.historyTimeMs(7), qint64(0));
-    }
-
-    void configureTakesTheBandsGrid()
-    {
-        SweepStore store(band24());
-        store.addSweep(flat(band24(), -60).data(), band24().grid.shown, 0);
-        const wsa::Band& b6 = *wsa::findBand(wsa::BandId::Ghz6);
+        // A new band forgets everything and takes its grid; a 2.4 GHz sweep is too short for it.
+        const wsa::Band& b6 = band(wsa::BandId::Ghz6);
         store.configure(b6);
         QCOMPARE(store.grid().bins, b6.grid.shown);
         QCOMPARE(store.grid().firstHz, b6.grid.startHz);
-        QCOMPARE(store.sweepCount(), 0u);
-        QCOMPARE(store.historyRows(), 0);
+        QCOMPARE(QList<qint64>({qint64(store.sweepCount()), store.historyRows()}),
+                 QList<qint64>({0, 0}));
         QVERIFY(!store.trace(Trace::Current));
-        // A 2.4 GHz sweep is too short for 6 GHz.
-        QVERIFY(!store.addSweep(flat(band24(), -60).data(), band24().grid.shown, 0));
+        QVERIFY(!store.addSweep(flat(-60).data(), band24().grid.shown, 0));
     }
 
     void pauseFreezesThePictureWhileCountingGoesOn()
@@ -191,13 +141,13 @@ private slots:
         QSignalSpy counted(&feed, &SweepFeed::sweepCounted);
         QSignalSpy reset(&feed, &SweepFeed::shownReset);
         const int n = band24().grid.shown;
-        feed.addSweep(flat(band24(), -80).data(), n, 0);
+        feed.addSweep(flat(-80).data(), n, 0);
         feed.setPaused(true);
         QVERIFY(feed.isPaused());
         QCOMPARE(reset.count(), 1);
         const auto frozenGeneration = feed.shown().generation();
         for (int s = 1; s <= 5; ++s)
-            QVERIFY(feed.addSweep(flat(band24(), -80.0f + 5 * s).data(), n, s));
+            QVERIFY(feed.addSweep(flat(-80.0f + 5 * s).data(), n, s));
         QCOMPARE(shown.count(), 1);
         QCOMPARE(counted.count(), 6);
         QCOMPARE(counted.last().at(0).toULongLong(), 6u);
@@ -206,6 +156,7 @@ private slots:
         QCOMPARE(feed.shown().generation(), frozenGeneration);
         QCOMPARE(feed.shown().trace(Trace::Current)[0], -80.0f);
         QCOMPARE(feed.shown().densityRow(79)[0], 1u); // -80 lies in [-80, -79)
+        QCOMPARE(feed.shown().densityRow(78)[0], 0u);
         QCOMPARE(feed.shown().densitySweeps(), 1u);
         QCOMPARE(feed.shown().historyRows(), 1);
         QCOMPARE(feed.shown().historyRow(0)[0], -80.0f);
@@ -219,17 +170,144 @@ private slots:
         feed.setPaused(false);
         QCOMPARE(feed.shown().sweepCount(), 6u);
         QCOMPARE(feed.shown().trace(Trace::Current)[0], -55.0f);
-        feed.addSweep(flat(band24(), -90).data(), n, 7);
+        feed.addSweep(flat(-90).data(), n, 7);
         QCOMPARE(shown.count(), 2);
     }
 
-    void aNewBandEndsThePause()
+    // From the left cell of a flat top the next peak right is past the top, not its twin; 3 dB
+    // above the floor is no peak at the 6 dB excursion but is at 2 dB; from outside the trace the
+    // search starts at its edge.
+    void peakSearchOnKnownTraces()
     {
-        SweepFeed feed(band24());
-        feed.setPaused(true);
-        feed.configure(*wsa::findBand(wsa::BandId::Ghz5));
-        QVERIFY(!feed.isPaused());
-        QCOMPARE(feed.shown().band().id, wsa::BandId::Ghz5);
+        const auto v = withPeaks(100, {{10, -50}, {40, -30}, {41, -30}, {70, -60}, {90, -87}});
+        const float* t = v.data();
+        QCOMPARE(QList<int>({peaks::highest(t, 100), peaks::nextLeft(t, 100, 40),
+                             peaks::nextRight(t, 100, 10), peaks::nextRight(t, 100, 40),
+                             peaks::nextLeft(t, 100, 41), peaks::nextRight(t, 100, 70),
+                             peaks::nextRight(t, 100, 70, 2.0f), peaks::nextLeft(t, 100, 10),
+                             peaks::nextLeft(t, 100, 1000), peaks::nextRight(t, 100, -50)}),
+                 QList<int>({40, 10, 40, 70, 10, -1, 90, -1, 70, 10}));
+
+        // No trace, a flat one; a peak at the very edge cannot fall away on its outer side.
+        const std::vector<float> flat(50, -80.0f);
+        QCOMPARE(QList<int>({peaks::highest(nullptr, 10), peaks::highest(nullptr, 0),
+                             peaks::highest(flat.data(), 50), peaks::nextRight(flat.data(), 50, 0),
+                             peaks::nextLeft(flat.data(), 50, 49)}),
+                 QList<int>({-1, -1, 0, -1, -1}));
+        auto edge = withPeaks(20, {{0, -40}, {19, -40}});
+        QVERIFY(!peaks::isPeak(edge.data(), 20, 0) && !peaks::isPeak(edge.data(), 20, 19));
+        QVERIFY(!peaks::isPeak(edge.data(), 20, 25));
+        // A shoulder on the flank of a higher peak is not a peak of its own.
+        const std::vector<float> shoulder = {-90, -90, -60, -60, -50, -30, -90, -90};
+        QCOMPARE(peaks::nextRight(shoulder.data(), 8, 0), 5);
+    }
+
+    void channelOfAFrequency()
+    {
+        const auto& b24 = band(wsa::BandId::Ghz24);
+        const auto& b5 = band(wsa::BandId::Ghz5);
+        const auto& b6 = band(wsa::BandId::Ghz6);
+        // Overlapping channels: the nearest centre (2439 MHz); none outside the band, in the gap
+        // between the 5 GHz sub-bands, or for a width the plan does not have.
+        QCOMPARE(QList<int>({channelAt(b24, 20, 2437e6), channelAt(b24, 20, 2439e6),
+                             channelAt(b24, 20, 2484e6), channelAt(b24, 20, 2300e6)}),
+                 QList<int>({6, 6, 14, 0}));
+        QCOMPARE(QList<int>({channelAt(b5, 20, 5180e6), channelAt(b5, 80, 5180e6),
+                             channelAt(b5, 160, 5500e6), channelAt(b5, 20, 5400e6)}),
+                 QList<int>({36, 42, 114, 0}));
+        QCOMPARE(QList<int>({channelAt(b6, 20, 5955e6), channelAt(b6, 160, 6265e6),
+                             channelAt(b6, 30, 6000e6)}),
+                 QList<int>({1, 47, 0}));
+    }
+
+    void markersSnapStepAndRead()
+    {
+        const auto& b = band(wsa::BandId::Ghz5);
+        SweepStore store(b);
+        addSignal(store, 5500e6, -42, -90);
+        Markers markers;
+        QSignalSpy changed(&markers, &Markers::changed);
+        QVERIFY(!markers.reading(store, 0, 20).valid);
+
+        markers.place(0, store, 5500.2e6);
+        const int cell = cellOf(b, 5500e6);
+        const MarkerReading r = markers.reading(store, 0, 20);
+        QVERIFY(r.valid && !r.hasDelta);
+        QCOMPARE(QList<int>({r.bin, r.channel}), QList<int>({cell, 100}));
+        QCOMPARE(r.hz, b.grid.binHz(cell));
+        QCOMPARE(r.dbm, -42.0f);
+
+        // Steps stop at the grid's edges; a placement at no frequency moves nothing.
+        QList<int> bins;
+        for (int step : {-3, -100000, 100000}) {
+            markers.step(0, store, step);
+            bins << markers.reading(store, 0, 20).bin;
+        }
+        markers.place(0, store, std::nan(""));
+        bins << markers.reading(store, 0, 20).bin;
+        QCOMPARE(bins, QList<int>({cell - 3, 0, b.grid.shown - 1, b.grid.shown - 1}));
+        markers.place(7, store, 5500e6); // no such marker: ignored
+        QVERIFY(changed.count() >= 4);
+    }
+
+    void peakMarkersAndDeltaAgainstMarkerOne()
+    {
+        const auto& b = band(wsa::BandId::Ghz24);
+        SweepStore store(b);
+        auto sweep = sweepWithSignal(b, 2437e6, -40, -90, 9);
+        const int strong = cellOf(b, 2437e6);
+        const int weak = cellOf(b, 2462e6);
+        sweep[std::size_t(weak)] = -65;
+        store.addSweep(sweep.data(), int(sweep.size()), 0);
+        sweep[std::size_t(weak)] = -90;
+        store.addSweep(sweep.data(), int(sweep.size()), 1);
+
+        Markers markers;
+        auto read = [&](int m) { return markers.reading(store, m, 20); };
+        QVERIFY(markers.toHighest(0, store));
+        QCOMPARE(read(0).channel, 6);
+        QVERIFY(std::abs(read(0).bin - strong) <= 4);
+        // The weak signal is gone from the current sweep but held in the maximum.
+        markers.setTrace(1, Trace::Maximum);
+        QVERIFY(markers.toNextRight(1, store)); // an unplaced marker searches from the left edge
+        QCOMPARE(read(1).bin, read(0).bin);
+        QVERIFY(markers.toNextRight(1, store));
+        markers.setTrace(2, Trace::Current);
+        markers.place(2, store, 2462e6);
+        QVERIFY(!markers.toNextRight(2, store));
+        const MarkerReading r = read(1);
+        QVERIFY(r.hasDelta);
+        QCOMPARE(QList<int>({r.bin, r.channel}), QList<int>({weak, 11}));
+        QCOMPARE(QList<float>({r.dbm, r.deltaDb}), QList<float>({-65, -25}));
+        QCOMPARE(r.deltaHz, b.grid.binHz(weak) - read(0).hz);
+        // Without marker 1 there is no reference; a marker on a held trace reads nothing once
+        // the holds are reset.
+        markers.setOn(0, false);
+        QVERIFY(!read(1).hasDelta);
+        store.resetHolds();
+        QVERIFY(!read(1).valid && !markers.toHighest(1, store));
+    }
+
+    void followingMarkersTrackTheirTracesPeak()
+    {
+        const auto& b = band(wsa::BandId::Ghz6);
+        SweepStore store(b);
+        Markers markers;
+        markers.setTrace(1, Trace::Maximum);
+        markers.setFollowsPeak(1, true);
+        markers.setFollowsPeak(2, true); // on the current trace
+        markers.place(0, store, 6000e6); // placed, not following
+        for (double hz : {6100e6, 6900e6, 6300e6}) {
+            addSignal(store, hz, -40 - (hz - 6100e6) / 1e8, -95);
+            markers.followPeaks(store);
+            QCOMPARE(markers.reading(store, 2, 20).bin, cellOf(b, hz));
+        }
+        // The maximum still holds the first, strongest signal.
+        QCOMPARE(markers.reading(store, 1, 20).bin, cellOf(b, 6100e6));
+        QCOMPARE(markers.reading(store, 0, 20).bin, cellOf(b, 6000e6));
+        markers.setOn(2, false);
+        markers.followPeaks(store);
+        QVERIFY(!markers.marker(2).on && !markers.marker(2).followsPeak);
     }
 };
 

@@ -2,19 +2,16 @@
 // keeping each text's placeholders, mnemonic and markup, and the window shows it in every context
 // its texts are looked up in.
 #include <QMenuBar>
-#include <QRegularExpression>
 #include <QtTest>
 
 #include "catalogue.h"
 
 #include "acquisition.h"
-#include "instrumentwindow.h"
+#include "desktoptestsupport.h"
 #include "messagebar.h"
-#include "sweepfeed.h"
 #include "translation.h"
 
-using namespace wsa::desktop;
-
+using namespace desktoptest;
 
 class TestDesktopTranslation : public QObject
 {
@@ -35,11 +32,12 @@ private slots:
     // unfinished, translated as nothing or losing a placeholder, mnemonic or tag fails here.
     void catalogueCoversEveryText()
     {
-        const wsatest::CatalogueCheck c =
-            wsatest::checkCatalogue(WSA_SOURCE_DIR "/translations/wsa_desktop_de.ts",
-                                    {WSA_SOURCE_DIR "/desktop"}, m_dir.filePath("wsa_desktop_de.ts"));
+        const wsatest::CatalogueCheck c = wsatest::checkCatalogue(
+            WSA_SOURCE_DIR "/translations/wsa_desktop_de.ts", {WSA_SOURCE_DIR "/desktop"},
+            m_dir.filePath("wsa_desktop_de.ts"));
         QVERIFY2(c.error.isEmpty(), qPrintable(c.error));
-        QVERIFY2(c.messages > 200, qPrintable(QString::number(c.messages))); // lupdate found our texts
+        QVERIFY2(c.messages > 200,
+                 qPrintable(QString::number(c.messages))); // lupdate found our texts
         QVERIFY2(c.faults.isEmpty(), qPrintable(c.faults.join('\n')));
     }
 
@@ -47,12 +45,12 @@ private slots:
     // context of their own; a context the catalogue names otherwise would stay English here.
     void windowSpeaksGerman()
     {
-        SweepFeed feed(*wsa::findBand(wsa::BandId::Ghz5));
-        InstrumentWindow w(&feed);
+        Window t(wsa::BandId::Ghz5);
+        InstrumentWindow& w = t.w;
         EngineLink link;
         EngineSetup setup;
-        setup.source = QStringLiteral("sim");
-        setup.band = &feed.shown().band();
+        setup.source = "sim";
+        setup.band = &t.feed.shown().band();
         w.attachEngine(&link, setup); // no socket directory: a message, and no engine
         QStringList menus;
         for (const QAction* a : w.menuBar()->actions())
@@ -69,7 +67,7 @@ private slots:
         QVERIFY2(w.saveReport(report, &error), qPrintable(error));
         QFile html(report);
         QVERIFY(html.open(QIODevice::ReadOnly));
-        const QString page = QString::fromUtf8(html.readAll());
+        const QString page = html.readAll();
         QVERIFY(page.contains("WLAN-Spektrumbericht") && page.contains("Kein Marker"));
     }
 };

@@ -1,5 +1,6 @@
-// The stand-alone program: its options set the engine's environment, and it ends with a failure
-// status when the analyzer asks to close with no host to receive the request.
+// The stand-alone program: its options set the engine's environment, its command line is read
+// before any window system is opened, and it ends with a failure status when the analyzer asks
+// to close with no host to receive the request.
 #include <QtTest>
 
 #define WSA_STANDALONE_NO_MAIN
@@ -19,15 +20,14 @@ QString desktopProgram()
     return QFileInfo(WSA_ENGINE_BIN).dir().filePath("../apps/wsa-desktop-variant");
 }
 
-// Process state letter from /proc ('Z' for a zombie), or 0 when there is no such process.
-char processState(qint64 pid)
+// The fields of /proc/<pid>/stat after the command's name (state first), empty for no process.
+QList<QByteArray> statFields(const QString& pid)
 {
-    QFile stat(QString("/proc/%1/stat").arg(pid));
+    QFile stat("/proc/" + pid + "/stat");
     if (!stat.open(QIODevice::ReadOnly))
-        return 0;
+        return {};
     const QByteArray text = stat.readAll();
-    const int close = text.lastIndexOf(')');
-    return close > 0 && close + 2 < text.size() ? text[close + 2] : 0;
+    return text.mid(text.lastIndexOf(')') + 2).split(' ');
 }
 
 // Permission bits of a file, -1 when it cannot be examined.
@@ -37,27 +37,22 @@ int modeOf(const QString& path)
     return ::stat(QFile::encodeName(path), &st) == 0 ? int(st.st_mode & 07777) : -1;
 }
 
+// Neither gone nor a zombie.
 bool running(qint64 pid)
 {
-    const char state = processState(pid);
-    return state != 0 && state != 'Z';
+    const QList<QByteArray> fields = statFields(QString::number(pid));
+    return fields.size() > 1 && fields[0] != "Z";
 }
 
 // The running engine (a process named wsa_raw) whose parent is `parent`, or 0.
 qint64 engineOf(qint64 parent)
 {
     for (const QString& entry : QDir("/proc").entryList(QDir::Dirs)) {
-        bool number = false;
-        const qint64 pid = entry.toLongLong(&number);
-        QFile stat("/proc/" + entry + "/stat");
-        if (!number || !stat.open(QIODevice::ReadOnly))
-            continue;
-        const QByteArray text = stat.readAll();
-        const int close = text.lastIndexOf(')');
-        const QList<QByteArray> fields = text.mid(close + 2).split(' ');
-        if (text.contains("(wsa_raw)") && fields.size() > 1 && fields[1].toLongLong() == parent &&
-            running(pid))
-            return pid;
+        QFile comm("/proc/" + entry + "/comm");
+        const QList<QByteArray> fields = statFields(entry);
+        if (comm.open(QIODevice::ReadOnly) && comm.readAll() == "wsa_raw\n" && fields.size() > 1 &&
+            fields[1].toLongLong() == parent && running(entry.toLongLong()))
+            return entry.toLongLong();
     }
     return 0;
 }
@@ -118,6 +113,7 @@ QString state(const char* name)
 class TestStandalone : public QObject
 {
     Q_OBJECT
+    QTemporaryDir m_dir;
 
 private slots:
     void init()
@@ -128,6 +124,8 @@ private slots:
 
     void options_data();
     void options();
+    void desktopEntryWithoutDisplay_data();
+    void desktopEntryWithoutDisplay();
     void versionIsTheProjects();
     void endsWithFailureWhenTheAnalyzerAsksToClose();
     void desktopInstanceStopsOnlyItsOwnEngine();
@@ -177,6 +175,50 @@ void TestStandalone::options()
              env);
     if (args.contains("--help"))
         QVERIFY(out.contains("--no-record") && out.contains("--replay <FILE>"));
+}
+
+void TestStandalone::desktopEntryWithoutDisplay_data()
+{
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("output"); // on stdout for 0, stderr's first line otherwise
+    QFile(m_dir.filePath("empty.csv")).open(QIODevice::WriteOnly);
+    const QString none = m_dir.filePath("none.csv");
+    QTest::newRow("help") << QStringList{"--help"} << 0 << "Usage: wsa-desktop-variant";
+    QTest::newRow("version") << QStringList{"--version"} << 0 << "wsa ";
+    QTest::newRow("missing recording") << QStringList{"--replay", none} << 2 << "it does not exist";
+    QTest::newRow("empty recording")
+        << QStringList{"--replay", m_dir.filePath("empty.csv")} << 2 << "it is empty";
+    QTest::newRow("directory as recording")
+        << QStringList{"--replay", m_dir.path()} << 2 << "it is not a regular file";
+    QTest::newRow("handheld replay of a missing file")
+        << QStringList{"--handheld", "--replay", none} << 2 << "it does not exist";
+    QTest::newRow("unknown band") << QStringList{"--band", "3g"} << 2 << "unknown band: 3g";
+    QTest::newRow("band for the handheld view")
+        << QStringList{"--handheld", "--band", "5g"} << 2 << "--band is for the instrument";
+}
+
+// No display and no platform chosen: a window system opened here would end the program with
+// another status and a Qt message.
+void TestStandalone::desktopEntryWithoutDisplay()
+{
+    QFETCH(QStringList, args);
+    QFETCH(int, status);
+    QFETCH(QString, output);
+    QVERIFY2(QFileInfo::exists(desktopProgram()), "build the wsa_desktop_variant target");
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        env.remove(name);
+    QProcess wsa;
+    wsa.setProcessEnvironment(env);
+    wsa.start(desktopProgram(), args);
+    QVERIFY(wsa.waitForFinished(10000));
+    QCOMPARE(wsa.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(wsa.exitCode(), status);
+    const QString out = status == 0 ? wsa.readAllStandardOutput() : wsa.readAllStandardError();
+    QVERIFY2(out.contains(output), qPrintable(out));
+    if (status != 0)
+        QCOMPARE(out.count('\n'), 2); // the cause, and where to look
 }
 
 // The program as built prints the version of the project.
@@ -241,14 +283,11 @@ void TestStandalone::desktopRuntimeDirectory_data()
 {
     QTest::addColumn<QString>("plant");
     QTest::addColumn<QString>("refusal"); // empty: the directory is used
-    QTest::newRow("own directory, too open") << "own"
-                                             << "";
-    QTest::newRow("symbolic link") << "link"
-                                   << "is a symbolic link";
-    QTest::newRow("file") << "file"
-                          << "is not a directory";
-    QTest::newRow("another user's directory") << "foreign"
-                                              << "belongs to another user";
+    QTest::newRow("own directory, too open") << QString("own") << QString();
+    QTest::newRow("symbolic link") << QString("link") << QString("is a symbolic link");
+    QTest::newRow("file") << QString("file") << QString("is not a directory");
+    QTest::newRow("another user's directory")
+        << QString("foreign") << QString("belongs to another user");
 }
 
 void TestStandalone::desktopRuntimeDirectory()

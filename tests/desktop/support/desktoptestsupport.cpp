@@ -67,6 +67,40 @@ QImage render(QWidget& w, const QSize& size, qreal dpr)
     return image;
 }
 
+DisplaySettings onlyTrace(Trace t)
+{
+    DisplaySettings s;
+    std::fill(std::begin(s.traceShown), std::end(s.traceShown), false);
+    s.traceShown[int(t)] = true;
+    return s;
+}
+
+void atEverySize(const std::function<void(const QSize&, qreal)>& check)
+{
+    for (const QSize& size : {QSize(520, 260), QSize(1100, 420), QSize(1900, 700)}) {
+        for (qreal dpr : {1.0, 2.0})
+            check(size, dpr);
+    }
+}
+
+QRect devicePixels(const QRectF& r, qreal dpr)
+{
+    return QRectF(r.topLeft() * dpr, r.size() * dpr).toAlignedRect();
+}
+
+QPoint firstOf(const QImage& image, const QRect& area, QRgb color, bool fromTop)
+{
+    const QRect r = area.intersected(image.rect());
+    for (int k = 0; k < r.height(); ++k) {
+        const int y = fromTop ? r.top() + k : r.bottom() - k;
+        for (int x = r.left(); x <= r.right(); ++x) {
+            if (rgbAt(image, x, y) == rgb(color))
+                return {x, y};
+        }
+    }
+    return {-1, -1};
+}
+
 bool hasInk(const QImage& image, const QRect& devicePixels, QRgb background)
 {
     const QRect r = devicePixels.intersected(image.rect());
