@@ -38,6 +38,8 @@ public:
     explicit EngineLink(QObject* parent = nullptr);
     ~EngineLink() override;
 
+    static constexpr int kSimulatedRate = 20; // sweeps per second of the simulated probe
+
     // Stops any engine, then listens and starts one for this setup. False (and a message) when
     // the socket cannot be made.
     bool start(const EngineSetup& setup);

@@ -60,7 +60,7 @@ void configure(const Band& band, const char* engineArgument)
     f.band = int(band.id);
     f.source = qgetenv("WSA_SOURCE").toStdString() + ':' + engineArgument + ':' +
                qgetenv("WSA_OUTPUT_RATE").toStdString() + ':' +
-               qgetenv("WSA_SIM_SCENE").toStdString();
+               qgetenv("WSA_SIM_SCENE").toStdString() + ':' + qgetenv("WSA_SIM_RATE").toStdString();
     std::vector<char> out;
     encodeConfigured(out, f);
     send(out);
@@ -184,7 +184,7 @@ private slots:
         QVERIFY(link.start(setup("sweeps", BandId::Ghz5)));
         QTRY_COMPARE(feed.shown().sweepCount(), 3u);
         QCOMPARE(feed.shown().band().id, BandId::Ghz5);
-        QCOMPARE(announced, QStringLiteral("sim:2:50:emitters"));
+        QCOMPARE(announced, QStringLiteral("sim:2:50:emitters:20"));
 
         QSignalSpy replay(&link, &EngineLink::replay), recording(&link, &EngineLink::recording);
         link.sendControl(ControlCommand::Seek, 12.5);
