@@ -1,8 +1,6 @@
 // The live analysis stage inside the engine: its Analysis objects and its JSON Lines file on a
-// simulated world whose emitters are known, the headless engine writing that file, and the
-// simulated probe's emitter scene.
+// simulated world whose emitters are known, and the simulated probe's emitter scene.
 #include <QtTest>
-#include <atomic>
 #include <set>
 
 #include "analysisstage.h"
@@ -14,50 +12,11 @@
 namespace
 {
 
-class FakeClock : public Clock
-{
-public:
-    explicit FakeClock(long long tickNs = 0) : m_tickNs(tickNs) {}
-    long long nowNs() const override { return m_nowNs += m_tickNs; }
-    void advanceMs(double ms) { m_nowNs += (long long)(ms * 1e6); }
-    double seconds() const { return m_nowNs / 1e9; }
-
-private:
-    long long m_tickNs;
-    mutable std::atomic<long long> m_nowNs{0};
-};
-
-class FrameSink : public Sink
-{
-public:
-    std::vector<std::pair<double, std::string>> frames; // clock seconds, object
-    const FakeClock* clock = nullptr;
-    SinkResult sweep(const int*, int) override { return SinkResult::Ok; }
-    void analysis(const std::string& json) override { frames.emplace_back(clock->seconds(), json); }
-};
-
-class LevelsObserver : public SweepObserver
-{
-public:
-    std::vector<float> levels;
-    void take(const float* dbm, int bins, double) override
-    {
-        levels.insert(levels.end(), dbm, dbm + bins);
-    }
-};
-
 QJsonObject parse(const std::string& text)
 {
     QJsonParseError error;
     const QJsonDocument doc = QJsonDocument::fromJson(QByteArray::fromStdString(text), &error);
     return error.error == QJsonParseError::NoError ? doc.object() : QJsonObject();
-}
-
-QStringList fileLines(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? QString(f.readAll()).split('\n', Qt::SkipEmptyParts)
-                                       : QStringList();
 }
 
 // A Wi-Fi access point throughout and a narrow carrier that stops a third of the way through.
@@ -103,8 +62,8 @@ std::vector<float> simLevels(const QStringList& settings)
     for (const QString& setting : settings)
         s.set(setting.section('=', 0, 0).toStdString(), setting.section('=', 1).toStdString());
     const wsa::Band& band = *wsa::findBand("5g");
-    FakeClock clock(5000000); // coarse, so the last record's wait passes in a few readings
-    LevelsObserver observer;
+    ScriptClock clock(5000000); // coarse, so the last record's wait passes in a few readings
+    SweepLog observer;
     Engine engine(band, clock, Detector::Peak, 8);
     engine.addObserver(&observer);
     findSource("sim")->make(s, band)->run(engine);
@@ -120,8 +79,6 @@ class TestAnalysisStage : public QObject
 private slots:
     void liveAnalysis_data();
     void liveAnalysis();
-    void headlessFile_data();
-    void headlessFile();
     void simEmitterScene();
 };
 
@@ -151,8 +108,8 @@ void TestAnalysisStage::liveAnalysis()
     wsa::World world(plan, 7, cast(plan, wifiWidth, wifiChannel, kSeconds));
     QTemporaryDir dir;
     const QString path = dir.filePath(writable ? "analysis.jsonl" : "missing/analysis.jsonl");
-    FakeClock clock;
-    FrameSink sink;
+    ScriptClock clock;
+    MemorySink sink;
     sink.clock = &clock;
     Engine engine(plan, clock, Detector::Peak, 8);
     engine.addSink(&sink);
@@ -168,11 +125,11 @@ void TestAnalysisStage::liveAnalysis()
     for (int k = 0; k * kSweepS < kSeconds; ++k) {
         world.sweep(k * kSweepS, sweep.data());
         std::copy(sweep.begin(), sweep.end(), levels.begin());
-        const std::size_t framesBefore = sink.frames.size();
+        const std::size_t framesBefore = sink.analyses.size();
         engine.offer(levels.data(), k * kSweepS);
         const bool changed = stage.analyzer().generation() != generation;
         generation = stage.analyzer().generation();
-        if (sink.frames.size() > framesBefore) {
+        if (sink.analyses.size() > framesBefore) {
             if (changedAt >= 0)
                 worstLatency = std::max(worstLatency, clock.seconds() - changedAt);
             changedAt = -1;
@@ -187,12 +144,12 @@ void TestAnalysisStage::liveAnalysis()
     stage.finish();
 
     QVERIFY(worstLatency <= 0.3 + 1e-9);
-    for (std::size_t k = 1; k < sink.frames.size() - 1; ++k) {
-        const double gap = sink.frames[k].first - sink.frames[k - 1].first;
+    for (std::size_t k = 1; k < sink.analyses.size() - 1; ++k) {
+        const double gap = sink.analyses[k].first - sink.analyses[k - 1].first;
         QVERIFY2(gap >= 0.25 - 1e-9 && gap <= 1.0 + kSweepS + 1e-9,
                  qPrintable(QString::number(gap)));
     }
-    const QJsonObject last = parse(sink.frames.back().second);
+    const QJsonObject last = parse(sink.analyses.back().second);
     QCOMPARE(last["type"].toString(), QString("analysis"));
     QCOMPARE(last["sweeps"].toInt(), int(stage.analyzer().sweeps()));
     QVERIFY(std::fabs(last["seconds"].toDouble() - stage.analyzer().seconds()) <= 0.05);
@@ -204,7 +161,7 @@ void TestAnalysisStage::liveAnalysis()
         widths.insert(c["width_mhz"].toInt());
     QVERIFY(widths.count(wifiWidth));
     // The middle frame still has both emitters; the stop has ended them all.
-    const QJsonObject middle = parse(sink.frames[sink.frames.size() / 2].second);
+    const QJsonObject middle = parse(sink.analyses[sink.analyses.size() / 2].second);
     const QJsonArray emitters = middle["emitters"].toArray();
     std::set<int> ids;
     bool wifiFound = false;
@@ -244,54 +201,6 @@ void TestAnalysisStage::liveAnalysis()
             QVERIFY(!o["active"].toBool());
     }
     QCOMPARE(parse(lines.last().toStdString())["sweeps"].toInt(), int(stage.analyzer().sweeps()));
-}
-
-void TestAnalysisStage::headlessFile_data()
-{
-    QTest::addColumn<QStringList>("env");
-    QTest::addColumn<bool>("terminate");
-    QTest::addColumn<int>("stderrLines");
-    const QStringList fast{"WSA_RECORD_ONLY=1", "WSA_SIM_SCENE=emitters", "WSA_SIM_RATE=200",
-                           "WSA_OUTPUT_RATE=8", "WSA_ANALYSIS_FILE=analysis.jsonl"};
-    QTest::newRow("source ends") << fast + QStringList{"WSA_SIM_SWEEPS=300"} << false << 0;
-    QTest::newRow("stopped by SIGTERM") << fast << true << 0;
-    QTest::newRow("beside a recording")
-        << fast + QStringList{"WSA_SIM_SWEEPS=300", "WSA_RECORD_DIR=rec"} << false << 0;
-    QTest::newRow("file cannot be created")
-        << QStringList{"WSA_RECORD_ONLY=1", "WSA_SIM_SWEEPS=20", "WSA_RECORD_DIR=rec",
-                       "WSA_ANALYSIS_FILE=missing/analysis.jsonl"}
-        << false << 1;
-}
-
-// A headless engine analyses into the file and, however it is stopped cleanly, ends it with the
-// channels and the summary.
-void TestAnalysisStage::headlessFile()
-{
-    QFETCH(QStringList, env);
-    QFETCH(bool, terminate);
-    QFETCH(int, stderrLines);
-    Run run(env, {}, Run::Nobody);
-    QVERIFY(run.proc.waitForStarted());
-    if (terminate) {
-        QVERIFY(!run.proc.waitForFinished(2000));
-        run.proc.terminate();
-    }
-    QVERIFY(run.proc.waitForFinished(10000));
-    QCOMPARE(run.proc.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(run.proc.exitCode(), 0);
-    QCOMPARE(QString(run.proc.readAllStandardError()).split('\n', Qt::SkipEmptyParts).size(),
-             stderrLines);
-    const QStringList lines = fileLines(run.dir.filePath("analysis.jsonl"));
-    if (stderrLines) {
-        QVERIFY(!run.rows().isEmpty()); // the recording went on
-        return;
-    }
-    QVERIFY(lines.size() > int(wsa::findBand("2g4")->channels(20).size()));
-    const QJsonObject summary = parse(lines.last().toStdString());
-    QCOMPARE(summary["type"].toString(), QString("summary"));
-    QVERIFY(summary["sweeps"].toInt() >= 250);
-    QVERIFY(std::any_of(lines.begin(), lines.end(),
-                        [](const QString& l) { return l.contains("\"type\":\"emitter\""); }));
 }
 
 // The emitter scene is a function of its seed; the fixed scene is untouched unless it is asked for.

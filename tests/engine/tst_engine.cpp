@@ -1,8 +1,11 @@
 // The wsa_raw engine as the analyzer sees it, record by record, whatever its source does: the
 // simulated probe's bands and faults, a sweep program that fails or goes, recordings that cannot
-// be played or made; what it says on stderr and, when asked, on a status socket.
+// be played or made; what it says on stderr and, when asked, on a status socket. With a desktop
+// window's socket: what the window receives and controls, and who may listen at either socket.
 #include <QtTest>
+#include <pwd.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 #include "enginerun.h"
 
@@ -98,6 +101,10 @@ private slots:
     void stream_data();
     void stream();
     void sameSeedSameBytes();
+    void windowStream_data();
+    void windowStream();
+    void refusesForeignListener_data();
+    void refusesForeignListener();
 };
 
 // The records in order (C configured, S sweep, X a sweep cut short, B a sweep with an impossible
@@ -244,6 +251,108 @@ void TestEngine::sameSeedSameBytes()
                  ssize_t(runs[i].size()));
     }
     QVERIFY(runs[0] == runs[1] && runs[0] != runs[2]);
+}
+
+// Configured, sweeps and the recording's state reach the window: the simulated probe records
+// from the start, a replay only once the window asks, and then at once; Record 0 closes the
+// file. The window closing its socket ends the engine with status 0. ./SERVERSOCK is never tried.
+void TestEngine::windowStream_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::newRow("sim") << "sim";
+    QTest::newRow("replay") << "replay";
+}
+
+void TestEngine::windowStream()
+{
+    QFETCH(QString, source);
+    using Log = FrontPeer::Log;
+    const bool replay = source == "replay";
+    QTemporaryDir dir;
+    QFile rec(dir.filePath("played.csv"));
+    QVERIFY(rec.open(QIODevice::WriteOnly));
+    for (int i = 0; i < 300; ++i)
+        rec.write(csvRow(2430000000, {-60, -61, -62, -63, -64}, i / 50.0));
+    rec.close();
+    Run run({"WSA_SOURCE=" + source, "WSA_REPLAY_FILE=" + rec.fileName(), "WSA_SIM_RATE=20",
+             "WSA_OUTPUT_RATE=50", "WSA_RECORD_DIR={dir}/rec"},
+            {}, Run::Window);
+    QVERIFY(run.peerTaken);
+    QVERIFY(run.peer.readUntil(
+        [&](const Log& l) { return l.sweeps.size() >= 5 && l.recordings.empty() == replay; }));
+    QCOMPARE(run.peer.log().kinds.front(), 'C');
+    QCOMPARE(run.peer.log().configured[0].source, source.toStdString());
+    QCOMPARE(QDir(run.dir.filePath("rec")).exists(), !replay);
+    run.peer.send(wsa::ControlCommand::Record, 1);
+    QVERIFY(run.peer.readUntil([](const Log& l) { return !l.recordings.empty(); }));
+    const QString path = QString::fromStdString(run.peer.log().recordings[0].second);
+    QVERIFY2(path.startsWith(run.dir.filePath("rec/")) && QFile::exists(path), qPrintable(path));
+    run.peer.send(wsa::ControlCommand::Record, 0);
+    QVERIFY(run.peer.readUntil(
+        [](const Log& l) { return !l.recordings.empty() && l.recordings.back().second.empty(); }));
+    QVERIFY(shutdown(run.peer.windowEnd(), SHUT_RDWR) == 0);
+    QVERIFY(run.proc.waitForFinished(5000));
+    QCOMPARE(run.proc.exitCode(), 0);
+    pollfd p{run.listener, POLLIN, 0};
+    QCOMPARE(poll(&p, 1, 0), 0);
+}
+
+// A listener that did not start the engine, another user's or a stranger's of our own, at
+// ./SERVERSOCK or at the window's socket, gets nothing: the engine says why and ends with 1.
+void TestEngine::refusesForeignListener_data()
+{
+    QTest::addColumn<bool>("otherUser");
+    QTest::addColumn<QString>("socket");
+    QTest::newRow("another user") << true << "SERVERSOCK";
+    QTest::newRow("our user, not an ancestor") << false << "SERVERSOCK";
+    QTest::newRow("window's socket, not an ancestor") << false << "front";
+}
+
+void TestEngine::refusesForeignListener()
+{
+    QFETCH(bool, otherUser);
+    QFETCH(QString, socket);
+    const passwd* nobody = getpwnam("nobody");
+    if (otherUser && (geteuid() != 0 || !nobody))
+        QSKIP("needs root and the user nobody to listen as another user");
+    // The engine retries its connection for seconds: time enough for the stranger to listen.
+    const bool window = socket == "front";
+    Run run(window ? QStringList{"WSA_FRONT_SOCKET={dir}/front"} : QStringList(), {}, Run::Nobody);
+    QVERIFY(QFile::setPermissions(run.dir.path(), QFileDevice::Permissions(0x7777)));
+    int report[2];
+    QCOMPARE(pipe(report), 0);
+    const pid_t stranger = fork();
+    if (stranger == 0) {
+        // Listens, takes one connection and reports how many bytes it got.
+        if (otherUser && (setgid(nobody->pw_gid) != 0 || setuid(nobody->pw_uid) != 0))
+            _exit(2);
+        const int fd = run.listenAt(socket);
+        const int link = accept(fd, nullptr, nullptr);
+        char buffer[4096];
+        long total = 0;
+        for (ssize_t n; (n = read(link, buffer, sizeof buffer)) > 0;)
+            total += n;
+        (void)!write(report[1], &total, sizeof total);
+        _exit(0);
+    }
+    close(report[1]);
+    QVERIFY(run.proc.waitForFinished(10000));
+    long received = -1;
+    QCOMPARE(read(report[0], &received, sizeof received), ssize_t(sizeof received));
+    close(report[0]);
+    waitpid(stranger, nullptr, 0);
+    QCOMPARE(received, 0L);
+    QCOMPARE(run.proc.exitCode(), 1);
+    QStringList all;
+    const QStringList lines = run.complaints(&all);
+    QCOMPARE(all, lines);
+    QCOMPARE(lines.size(), 1);
+    const QString shown = window ? run.dir.filePath("front") : "./SERVERSOCK";
+    const QString why = otherUser
+                            ? "it is user " + QString::number(nobody->pw_uid) + "'s"
+                            : "its process " + QString::number(stranger) + " did not start us";
+    QVERIFY2(lines[0].startsWith("wsa_raw: refusing " + shown + ": ") && lines[0].endsWith(why),
+             qPrintable(lines[0]));
 }
 
 QTEST_GUILESS_MAIN(TestEngine)
