@@ -15,19 +15,16 @@ const wsa::Band& band24()
     return *wsa::findBand(wsa::BandId::Ghz24);
 }
 
-// A row of `levels` bins of binHz from lowHz, in hackrf_sweep's layout.
-std::string row(double lowHz, double binHz, const std::vector<double>& levels,
+// A row of `levels` 1 MHz bins from lowHz, in hackrf_sweep's layout.
+std::string row(double lowHz, const std::vector<double>& levels,
                 const char* stamp = "2024-03-01, 12:30:05.250113")
 {
-    QString text = QString("%1, %2, %3, %4, %5")
-                       .arg(stamp)
-                       .arg(qint64(lowHz))
-                       .arg(qint64(lowHz + binHz * levels.size()))
-                       .arg(binHz, 0, 'f', 2)
-                       .arg(levels.size());
+    std::string text = QString::asprintf("%s, %lld, %lld, 1000000.00, %zu", stamp, qint64(lowHz),
+                                         qint64(lowHz + 1e6 * levels.size()), levels.size())
+                           .toStdString();
     for (double level : levels)
-        text += QString(", %1").arg(level);
-    return text.toStdString();
+        text += ", " + std::to_string(level);
+    return text;
 }
 
 wsa::CsvRow parsed(const std::string& line)
@@ -150,11 +147,10 @@ private slots:
         const wsa::SourceGrid& g = band24().grid;
         wsa::SweepAssembler a(g, -20);
         const double low = g.lowEdgeHz();
-        const double bin = 1e6;
-        QVERIFY(!a.feed(parsed(row(low, bin, {-70, -70}, "2024-03-01, 00:00:01.5"))));
-        QVERIFY(!a.feed(parsed(row(low + 10e6, bin, {-30, -70}))));
-        QVERIFY(!a.feed(parsed(row(low + 5e6, bin, {-70, -70}))));
-        QVERIFY(a.feed(parsed(row(low, bin, {-50, -70}, "2024-03-01, 00:00:02"))));
+        QVERIFY(!a.feed(parsed(row(low, {-70, -70}, "2024-03-01, 00:00:01.5"))));
+        QVERIFY(!a.feed(parsed(row(low + 10e6, {-30, -70}))));
+        QVERIFY(!a.feed(parsed(row(low + 5e6, {-70, -70}))));
+        QVERIFY(a.feed(parsed(row(low, {-50, -70}, "2024-03-01, 00:00:02"))));
         double out[SA_MAX_SAMPLES];
         QCOMPARE(a.take(out), 1709251201.5);
         const int signal = int(std::lround((low + 10.5e6 - g.startHz) / g.stepHz));
@@ -174,10 +170,10 @@ private slots:
         wsa::SweepAssembler a(band.grid, 0);
         const double outside = band24().grid.startHz;
         // A sweep with nothing in the band completes as no sweep.
-        QVERIFY(!a.feed(parsed(row(outside, 1e6, {-60}))));
-        QVERIFY(!a.feed(parsed(row(outside, 1e6, {-60}))));
-        QVERIFY(!a.feed(parsed(row(band.grid.startHz, 1e6, {-40}))));
-        QVERIFY(a.feed(parsed(row(outside, 1e6, {-60}))));
+        QVERIFY(!a.feed(parsed(row(outside, {-60}))));
+        QVERIFY(!a.feed(parsed(row(outside, {-60}))));
+        QVERIFY(!a.feed(parsed(row(band.grid.startHz, {-40}))));
+        QVERIFY(a.feed(parsed(row(outside, {-60}))));
         double out[SA_MAX_SAMPLES];
         a.take(out);
         QCOMPARE(out[0], -40.0);

@@ -8,11 +8,9 @@
 #include <atomic>
 #include <cmath>
 #include <functional>
-#include <mutex>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <thread>
 #include <unistd.h>
 
 #include "bandplan.h"
@@ -68,8 +66,8 @@ inline QStringList fileLines(const QString& path)
                                        : QStringList();
 }
 
-// The window's end of a front-end socket: a socket pair whose far end is read, on a thread or on
-// demand, into a log of frames.
+// The window's end of a front-end socket: a socket pair whose far end is read into a log of
+// frames.
 class FrontPeer
 {
 public:
@@ -82,7 +80,7 @@ public:
         std::vector<wsa::ReplayFrame> replays;
         bool eof = false;
     };
-    // Runs on the reading thread for every Replay frame.
+    // Runs for every Replay frame as it is read.
     std::function<void(const wsa::ReplayFrame&)> onReplay;
 
     FrontPeer()
@@ -110,7 +108,6 @@ public:
     }
     ~FrontPeer()
     {
-        stop();
         close(m_fds[1]);
         if (!m_taken)
             close(m_fds[0]);
@@ -128,22 +125,6 @@ public:
         close(fd);
         return taken;
     }
-    void start()
-    {
-        m_thread = std::thread([this] {
-            while (!m_stop && readOnce(10)) {
-            }
-        });
-    }
-    // Ends the reading thread, if any, and reads what is left.
-    void stop()
-    {
-        m_stop = true;
-        if (m_thread.joinable())
-            m_thread.join();
-        for (pollfd p{m_fds[1], POLLIN, 0}; !log().eof && readOnce(0) && ::poll(&p, 1, 0) == 1;) {
-        }
-    }
     // Reads what is there within timeoutMs; false at the end of the stream.
     bool readOnce(int timeoutMs)
     {
@@ -152,22 +133,26 @@ public:
             return true;
         char bytes[65536];
         const ssize_t n = recv(m_fds[1], bytes, sizeof bytes, MSG_DONTWAIT);
-        if (n <= 0) {
-            std::lock_guard<std::mutex> lock(m_mutex);
-            m_log.eof = n == 0;
-            return n < 0 && errno == EAGAIN;
-        }
-        m_reader->feed(bytes, std::size_t(n));
-        return true;
+        if (n > 0)
+            m_reader->feed(bytes, std::size_t(n));
+        m_log.eof = n == 0;
+        return n > 0 || (n < 0 && errno == EAGAIN);
     }
     // Reads until `done` holds of the log, the stream ends or 5 s pass; whether `done` holds.
     bool readUntil(const std::function<bool(const Log&)>& done)
     {
         QElapsedTimer t;
         t.start();
-        while (!done(log()) && !log().eof && t.elapsed() < 5000)
+        while (!done(m_log) && !m_log.eof && t.elapsed() < 5000)
             readOnce(50);
-        return done(log());
+        return done(m_log);
+    }
+    // Reads what has come, without waiting.
+    const Log& log()
+    {
+        for (pollfd p{m_fds[1], POLLIN, 0}; !m_log.eof && ::poll(&p, 1, 0) == 1 && readOnce(0);) {
+        }
+        return m_log;
     }
     void send(wsa::ControlCommand command, double value) const
     {
@@ -179,27 +164,14 @@ public:
     {
         QCOMPARE(::send(m_fds[1], bytes, size, MSG_NOSIGNAL), ssize_t(size));
     }
-    Log log()
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_log;
-    }
 
 private:
-    Log& note(char kind)
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_log.kinds += kind;
-        return m_log;
-    }
+    Log& note(char kind) { return m_log.kinds += kind, m_log; }
 
     int m_fds[2] = {-1, -1};
     bool m_taken = false;
     std::unique_ptr<wsa::FrameReader> m_reader;
-    std::mutex m_mutex;
     Log m_log;
-    std::atomic<bool> m_stop{false};
-    std::thread m_thread;
 };
 
 // One engine process in its own directory. Only the given WSA_* and STANDIN_* settings reach it;

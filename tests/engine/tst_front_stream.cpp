@@ -5,6 +5,7 @@
 #include <QtTest>
 #include <csignal>
 #include <sys/resource.h>
+#include <thread>
 
 #include "csvrecorder.h"
 #include "enginerun.h"
@@ -138,7 +139,6 @@ void TestFrontStream::statusCodes()
         // The fault a failed source sends after its reason adds nothing.
         if (reason < 0 || ends)
             QCOMPARE(sink.fault(reason < 0 ? Fault(fault) : Fault::NoProbe), SinkResult::Ok);
-        peer.stop();
         const FrontPeer::Log log = peer.log();
         QCOMPARE(log.kinds, std::string("T"));
         QCOMPARE(int(log.statuses[0].first), code);
@@ -236,13 +236,19 @@ void TestFrontStream::replayControls()
             peer.send(wsa::ControlCommand::Pause, 0);
         }
     };
-    FrontSocketSink sink(peer.engineEnd(), FrontSocketSink::Mode::Full, band24(), "replay", clock);
-    Engine engine(band24(), clock, Detector::Peak, 1000);
-    engine.addSink(&sink);
-    engine.addObserver(&stamps);
-    peer.start();
-    QCOMPARE(findSource("replay")->make(settings, band24())->run(engine), 0);
-    peer.stop();
+    int status = -1;
+    std::thread replay([&] {
+        FrontSocketSink sink(peer.engineEnd(), FrontSocketSink::Mode::Full, band24(), "replay",
+                             clock);
+        Engine engine(band24(), clock, Detector::Peak, 1000);
+        engine.addSink(&sink);
+        engine.addObserver(&stamps);
+        status = findSource("replay")->make(settings, band24())->run(engine);
+    });
+    const bool ended = peer.readUntil([](const FrontPeer::Log& l) { return l.eof; });
+    replay.join();
+    QVERIFY(ended);
+    QCOMPARE(status, 0);
     // Configured with the grid and the source's name, then sweeps with their fractions of a dB,
     // then the replay's end: a last position and Status Ended.
     const FrontPeer::Log log = peer.log();
