@@ -88,7 +88,9 @@ struct FrameLog {
             events << QString::asprintf("replay %g/%g x%g %d %d", r.position, r.duration, r.speed,
                                         r.paused, r.loop);
         },
-        [this](ControlCommand c, double v) { events << QString::asprintf("control %d %g", int(c), v); },
+        [this](ControlCommand c, double v) {
+            events << QString::asprintf("control %d %g", int(c), v);
+        },
     }};
 };
 

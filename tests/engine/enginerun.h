@@ -247,7 +247,8 @@ struct Run {
     {
         stSweep r{};
         pollfd p{link, POLLIN, 0};
-        if (poll(&p, 1, timeoutMs) == 1 && recv(link, &r, sizeof r, MSG_WAITALL) != ssize_t(sizeof r))
+        if (poll(&p, 1, timeoutMs) == 1 &&
+            recv(link, &r, sizeof r, MSG_WAITALL) != ssize_t(sizeof r))
             r.type = -1;
         return r;
     }
