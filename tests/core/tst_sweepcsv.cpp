@@ -98,6 +98,7 @@ private slots:
     void resamplerNarrowAndWideBins()
     {
         const wsa::SourceGrid& g = band24().grid;
+        const double floor = g.floorDbm;
         double out[SA_MAX_SAMPLES];
         {
             wsa::Resampler r(g);
@@ -105,9 +106,7 @@ private slots:
             // Three bins of a tenth of a cell, all inside cell 10.
             QVERIFY(r.add(g.binHz(10) - 0.15 * g.stepHz, 0.1 * g.stepHz, narrow, 3));
             r.result(out, -5);
-            QCOMPARE(out[10], -45.0);
-            QCOMPARE(out[9], double(g.floorDbm));
-            QCOMPARE(out[11], double(g.floorDbm));
+            QCOMPARE(QList<double>(out + 9, out + 12), QList<double>({floor, -45, floor}));
         }
         {
             wsa::Resampler r(g);
@@ -115,10 +114,8 @@ private slots:
             // One bin ten cells wide over the centres of cells 100 to 109.
             QVERIFY(r.add(g.binHz(100) - g.stepHz / 4, 10 * g.stepHz, wide, 1));
             r.result(out, 0);
-            for (int i = 100; i <= 109; ++i)
-                QCOMPARE(out[i], -30.0);
-            QCOMPARE(out[99], double(g.floorDbm));
-            QCOMPARE(out[110], double(g.floorDbm));
+            QCOMPARE(QList<double>(out + 99, out + 111),
+                     QList<double>{floor} + QList<double>(10, -30) + QList<double>{floor});
         }
     }
 
@@ -136,8 +133,8 @@ private slots:
         QVERIFY(!r.add(band.grid.highEdgeHz() + 1, 1e3, levels, 2));
         double out[SA_MAX_SAMPLES];
         r.result(out, 0);
-        for (int i = 0; i < band.grid.raw; ++i)
-            QCOMPARE(out[i], double(band.grid.floorDbm));
+        QCOMPARE(QList<double>(out, out + band.grid.raw),
+                 QList<double>(band.grid.raw, band.grid.floorDbm));
     }
 
     // Rows out of frequency order make one sweep; the row that returns to the sweep's first

@@ -258,15 +258,11 @@ struct Run {
         r = next();
         return r.type == SA_MSG_SWEEP && r.num_samples == samples;
     }
-    // Lines the engine itself wrote to stderr, once it has ended; every line in `all`.
-    QStringList complaints(QStringList* all = nullptr)
+    // What the engine wrote to stderr, once it has ended.
+    QStringList said()
     {
         proc.waitForFinished(5000);
-        const QStringList lines =
-            QString(proc.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
-        if (all)
-            *all = lines;
-        return lines.filter(QRegularExpression("^wsa_raw: "));
+        return QString(proc.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
     }
     // The rows recorded, in the one file expected in `sub`.
     QStringList rows(const QString& sub = "rec") const

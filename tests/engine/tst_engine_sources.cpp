@@ -22,7 +22,8 @@ private slots:
 
     // The stand-in reads -70 dB everywhere but in the 1 MHz bin from signalMHz, where it alternates
     // -30 and -50 dB from sweep to sweep; the offset is -20 dB. Two records a second, so that each
-    // combines many sweeps even on a busy machine.
+    // combines many sweeps even on a busy machine. Whether the engine is killed, as killall -9
+    // does, or the analyzer leaves, the sweep program ends with it.
     void hackrfLevels_data()
     {
         QTest::addColumn<Band>("band");
@@ -30,24 +31,25 @@ private slots:
         QTest::addColumn<int>("signalMHz");
         QTest::addColumn<int>("lowest"); // of the signal bins, after the detector
         QTest::addColumn<int>("highest");
+        QTest::addColumn<bool>("killed");
         const Band b24{false}, b5{true};
-        QTest::newRow("2.4 GHz, peak") << b24 << QStringList() << 2437 << -50 << -50;
+        QTest::newRow("2.4 GHz, peak") << b24 << QStringList() << 2437 << -50 << -50 << true;
         // Mean power of a mix of -30 and -50 dB sweeps, minus 20: within -56..-51.
         QTest::newRow("2.4 GHz, average")
-            << b24 << QStringList{"WSA_DETECTOR=average"} << 2437 << -56 << -51;
+            << b24 << QStringList{"WSA_DETECTOR=average"} << 2437 << -56 << -51 << false;
         QTest::newRow("2.4 GHz, five sweeps per write, band edge")
             << b24 << QStringList{"STANDIN_BURST=5", "STANDIN_RATE=8", "STANDIN_SIGNAL_MHZ=2489"}
-            << 2489 << -50 << -50;
+            << 2489 << -50 << -50 << false;
         QTest::newRow("5 GHz, peak")
-            << b5 << QStringList{"STANDIN_SIGNAL_MHZ=5500"} << 5500 << -50 << -50;
+            << b5 << QStringList{"STANDIN_SIGNAL_MHZ=5500"} << 5500 << -50 << -50 << true;
         // The same program through the general source, its range from the placeholders.
         QTest::newRow("any program, 5 GHz")
             << b5
             << QStringList{"STANDIN_SIGNAL_MHZ=5500", "WSA_SOURCE=program",
                            "WSA_SWEEP_PROGRAM=" + kStandIn + " -f {low_mhz}:{high_mhz} -w 1000000"}
-            << 5500 << -50 << -50;
+            << 5500 << -50 << -50 << true;
         QTest::newRow("6 GHz, peak")
-            << kBand6 << QStringList{"STANDIN_SIGNAL_MHZ=6500"} << 6500 << -50 << -50;
+            << kBand6 << QStringList{"STANDIN_SIGNAL_MHZ=6500"} << 6500 << -50 << -50 << false;
     }
 
     void hackrfLevels()
@@ -57,7 +59,9 @@ private slots:
         QFETCH(int, signalMHz);
         QFETCH(int, lowest);
         QFETCH(int, highest);
-        Run run(standIn(QStringList{"WSA_OUTPUT_RATE=2"} + env), band.args());
+        QFETCH(bool, killed);
+        Run run(standIn(QStringList{"WSA_OUTPUT_RATE=2", "STANDIN_PIDFILE={dir}/pid"} + env),
+                band.args());
         QVERIFY(isConfigured(run.next(), band));
         // The first record may hold a single sweep; the later ones combine several.
         stSweep r;
@@ -78,6 +82,16 @@ private slots:
             }
             QVERIFY(signalBins >= 1);
         }
+        const pid_t sweeper = fileLines(run.dir.filePath("pid")).value(0).toInt();
+        QVERIFY(sweeper > 0 && kill(sweeper, 0) == 0);
+        if (killed)
+            run.proc.kill();
+        else
+            shutdown(run.link, SHUT_RDWR);
+        QVERIFY(run.proc.waitForFinished(5000));
+        // As our orphan it would never end; ended, it is ours to collect.
+        QTRY_VERIFY_WITH_TIMEOUT(waitpid(sweeper, nullptr, WNOHANG) != 0, 3000);
+        QVERIFY(kill(sweeper, 0) == -1 && errno == ESRCH);
     }
 
     // At most WSA_OUTPUT_RATE records a second however fast the sweeps come; while the analyzer
@@ -103,33 +117,6 @@ private slots:
         clock.restart();
         QVERIFY(run.nextSweep(r, Band{false}.raw()));
         QVERIFY2(clock.elapsed() <= 300, qPrintable(QString::number(clock.elapsed())));
-    }
-
-    void noOrphanSweeper_data()
-    {
-        QTest::addColumn<bool>("killed");
-        QTest::newRow("engine killed") << true;
-        QTest::newRow("analyzer leaves") << false;
-    }
-
-    void noOrphanSweeper()
-    {
-        QFETCH(bool, killed);
-        QTemporaryDir tmp;
-        const QString pidFile = tmp.filePath("pid");
-        Run run(standIn({"STANDIN_PIDFILE=" + pidFile}));
-        QVERIFY(isConfigured(run.next(), Band{false}));
-        const QStringList pid = fileLines(pidFile);
-        const pid_t sweeper = pid.value(0).trimmed().toInt();
-        QVERIFY(sweeper > 0 && kill(sweeper, 0) == 0);
-        if (killed)
-            run.proc.kill(); // as killall -9 wsa_raw does
-        else
-            shutdown(run.link, SHUT_RDWR);
-        QVERIFY(run.proc.waitForFinished(5000));
-        // As our orphan it would never end; ended, it is ours to collect.
-        QTRY_VERIFY_WITH_TIMEOUT(waitpid(sweeper, nullptr, WNOHANG) != 0, 3000);
-        QVERIFY(kill(sweeper, 0) == -1 && errno == ESRCH);
     }
 
     void recordAndReplay_data()
@@ -323,8 +310,7 @@ private slots:
         QVERIFY(run.proc.waitForFinished(10000));
         QCOMPARE(run.proc.exitStatus(), QProcess::NormalExit);
         QCOMPARE(run.proc.exitCode(), exitCode);
-        QCOMPARE(QString(run.proc.readAllStandardError()).split('\n', Qt::SkipEmptyParts).size(),
-                 stderrLines);
+        QCOMPARE(run.said().size(), stderrLines);
         const QStringList rows = run.rows();
         QVERIFY2(rows.size() >= minRows && rows.size() <= maxRows,
                  qPrintable(QString::number(rows.size())));

@@ -97,23 +97,14 @@ private slots:
         QTest::addColumn<int>("code");
         QTest::addColumn<bool>("ends");
         using C = wsa::StatusCode;
-        using R = StatusReason;
-        const std::vector<std::pair<R, C>> reasons = {
-            {R::ProgramMissing, C::ProgramMissing},
-            {R::NoDevice, C::NoDevice},
-            {R::DeviceLost, C::DeviceLost},
-            {R::FileUnusable, C::FileUnreadable},
-            {R::NotInBand, C::NoSweepInBand},
-            {R::UnknownSource, C::BadSetting},
-            {R::FileMissing, C::FileMissing},
-            {R::FileEmpty, C::FileEmpty},
-            {R::Ended, C::Ended},
-            {R::DiskAlmostFull, C::DiskAlmostFull},
-            {R::RecordingFailed, C::RecordingFailed},
-        };
-        for (const auto& [reason, code] : reasons)
-            QTest::addRow("reason %d", int(reason))
-                << int(reason) << -1 << int(code) << endsSource(reason);
+        // The code of each reason, in the order of their declaration.
+        const C codes[] = {C::ProgramMissing, C::NoDevice,       C::DeviceLost,
+                           C::FileUnreadable, C::NoSweepInBand,  C::BadSetting,
+                           C::FileMissing,    C::FileEmpty,      C::Ended,
+                           C::DiskAlmostFull, C::RecordingFailed};
+        for (int reason = 0; reason <= int(StatusReason::RecordingFailed); ++reason)
+            QTest::addRow("reason %d", reason)
+                << reason << -1 << int(codes[reason]) << endsSource(StatusReason(reason));
         QTest::newRow("no probe") << -1 << int(Fault::NoProbe) << int(C::NoDevice) << true;
         QTest::newRow("disconnect") << -1 << int(Fault::Disconnect) << int(C::DeviceLost) << true;
     }
