@@ -15,19 +15,16 @@ const wsa::Band& band24()
     return *wsa::findBand(wsa::BandId::Ghz24);
 }
 
-// A row of `levels` bins of binHz from lowHz, in hackrf_sweep's layout.
-std::string row(double lowHz, double binHz, const std::vector<double>& levels,
+// A row of `levels` 1 MHz bins from lowHz, in hackrf_sweep's layout.
+std::string row(double lowHz, const std::vector<double>& levels,
                 const char* stamp = "2024-03-01, 12:30:05.250113")
 {
-    QString text = QString("%1, %2, %3, %4, %5")
-                       .arg(stamp)
-                       .arg(qint64(lowHz))
-                       .arg(qint64(lowHz + binHz * levels.size()))
-                       .arg(binHz, 0, 'f', 2)
-                       .arg(levels.size());
+    std::string text = QString::asprintf("%s, %lld, %lld, 1000000.00, %zu", stamp, qint64(lowHz),
+                                         qint64(lowHz + 1e6 * levels.size()), levels.size())
+                           .toStdString();
     for (double level : levels)
-        text += QString(", %1").arg(level);
-    return text.toStdString();
+        text += ", " + std::to_string(level);
+    return text;
 }
 
 wsa::CsvRow parsed(const std::string& line)
@@ -101,6 +98,7 @@ private slots:
     void resamplerNarrowAndWideBins()
     {
         const wsa::SourceGrid& g = band24().grid;
+        const double floor = g.floorDbm;
         double out[SA_MAX_SAMPLES];
         {
             wsa::Resampler r(g);
@@ -108,9 +106,7 @@ private slots:
             // Three bins of a tenth of a cell, all inside cell 10.
             QVERIFY(r.add(g.binHz(10) - 0.15 * g.stepHz, 0.1 * g.stepHz, narrow, 3));
             r.result(out, -5);
-            QCOMPARE(out[10], -45.0);
-            QCOMPARE(out[9], double(g.floorDbm));
-            QCOMPARE(out[11], double(g.floorDbm));
+            QCOMPARE(QList<double>(out + 9, out + 12), QList<double>({floor, -45, floor}));
         }
         {
             wsa::Resampler r(g);
@@ -118,10 +114,8 @@ private slots:
             // One bin ten cells wide over the centres of cells 100 to 109.
             QVERIFY(r.add(g.binHz(100) - g.stepHz / 4, 10 * g.stepHz, wide, 1));
             r.result(out, 0);
-            for (int i = 100; i <= 109; ++i)
-                QCOMPARE(out[i], -30.0);
-            QCOMPARE(out[99], double(g.floorDbm));
-            QCOMPARE(out[110], double(g.floorDbm));
+            QCOMPARE(QList<double>(out + 99, out + 111),
+                     QList<double>{floor} + QList<double>(10, -30) + QList<double>{floor});
         }
     }
 
@@ -139,8 +133,8 @@ private slots:
         QVERIFY(!r.add(band.grid.highEdgeHz() + 1, 1e3, levels, 2));
         double out[SA_MAX_SAMPLES];
         r.result(out, 0);
-        for (int i = 0; i < band.grid.raw; ++i)
-            QCOMPARE(out[i], double(band.grid.floorDbm));
+        QCOMPARE(QList<double>(out, out + band.grid.raw),
+                 QList<double>(band.grid.raw, band.grid.floorDbm));
     }
 
     // Rows out of frequency order make one sweep; the row that returns to the sweep's first
@@ -150,11 +144,10 @@ private slots:
         const wsa::SourceGrid& g = band24().grid;
         wsa::SweepAssembler a(g, -20);
         const double low = g.lowEdgeHz();
-        const double bin = 1e6;
-        QVERIFY(!a.feed(parsed(row(low, bin, {-70, -70}, "2024-03-01, 00:00:01.5"))));
-        QVERIFY(!a.feed(parsed(row(low + 10e6, bin, {-30, -70}))));
-        QVERIFY(!a.feed(parsed(row(low + 5e6, bin, {-70, -70}))));
-        QVERIFY(a.feed(parsed(row(low, bin, {-50, -70}, "2024-03-01, 00:00:02"))));
+        QVERIFY(!a.feed(parsed(row(low, {-70, -70}, "2024-03-01, 00:00:01.5"))));
+        QVERIFY(!a.feed(parsed(row(low + 10e6, {-30, -70}))));
+        QVERIFY(!a.feed(parsed(row(low + 5e6, {-70, -70}))));
+        QVERIFY(a.feed(parsed(row(low, {-50, -70}, "2024-03-01, 00:00:02"))));
         double out[SA_MAX_SAMPLES];
         QCOMPARE(a.take(out), 1709251201.5);
         const int signal = int(std::lround((low + 10.5e6 - g.startHz) / g.stepHz));
@@ -174,10 +167,10 @@ private slots:
         wsa::SweepAssembler a(band.grid, 0);
         const double outside = band24().grid.startHz;
         // A sweep with nothing in the band completes as no sweep.
-        QVERIFY(!a.feed(parsed(row(outside, 1e6, {-60}))));
-        QVERIFY(!a.feed(parsed(row(outside, 1e6, {-60}))));
-        QVERIFY(!a.feed(parsed(row(band.grid.startHz, 1e6, {-40}))));
-        QVERIFY(a.feed(parsed(row(outside, 1e6, {-60}))));
+        QVERIFY(!a.feed(parsed(row(outside, {-60}))));
+        QVERIFY(!a.feed(parsed(row(outside, {-60}))));
+        QVERIFY(!a.feed(parsed(row(band.grid.startHz, {-40}))));
+        QVERIFY(a.feed(parsed(row(outside, {-60}))));
         double out[SA_MAX_SAMPLES];
         a.take(out);
         QCOMPARE(out[0], -40.0);

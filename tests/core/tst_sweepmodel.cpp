@@ -40,15 +40,16 @@ private slots:
     {
         // A hold seeded unclamped (above and below the range) settles on its first update.
         int max = 7, min = -500;
-        wsa::holdExtremes(-60, max, min, -100, -20);
-        QCOMPARE(QList<int>({max, min}), QList<int>({-20, -100}));
-        wsa::holdExtremes(-30, max, min, -100, -20);
-        wsa::holdExtremes(-90, max, min, -100, -20);
-        QCOMPARE(QList<int>({max, min}), QList<int>({-20, -100}));
-        max = -60, min = -60;
-        wsa::holdExtremes(-30, max, min, -100, -20);
-        wsa::holdExtremes(-90, max, min, -100, -20);
-        QCOMPARE(QList<int>({max, min}), QList<int>({-30, -90}));
+        const auto hold = [&](int level) {
+            wsa::holdExtremes(level, max, min, -100, -20);
+            return QList<int>({max, min});
+        };
+        QCOMPARE(hold(-60), QList<int>({-20, -100}));
+        hold(-30);
+        QCOMPARE(hold(-90), QList<int>({-20, -100}));
+        max = min = -60;
+        hold(-30);
+        QCOMPARE(hold(-90), QList<int>({-30, -90}));
     }
 
     // The handheld's two ranges are checked colour by colour with its store; here the narrowest

@@ -1,5 +1,6 @@
 // What the engine tests share: a band from the band plan, one engine process and the ends of its
-// sockets, the window's end of a front-end stream, a scripted clock and a sink that keeps all.
+// sockets, the window's end of a front-end stream, a scripted clock, a sink and an observer that
+// keep all.
 #ifndef TESTS_ENGINE_ENGINERUN_H
 #define TESTS_ENGINE_ENGINERUN_H
 
@@ -7,11 +8,9 @@
 #include <atomic>
 #include <cmath>
 #include <functional>
-#include <mutex>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <thread>
 #include <unistd.h>
 
 #include "bandplan.h"
@@ -47,7 +46,7 @@ inline const Band kBand6{false, wsa::BandId::Ghz6};
 
 Q_DECLARE_METATYPE(Band)
 
-// A row of sweep program output: 1 MHz bins from lowHz, one level each, at second `s`.
+// A row of sweep program output: 1 MHz bins from lowHz, one level each, at 12:00 plus `s`.
 inline QByteArray csvRow(qint64 lowHz, const QList<double>& dbm, double s = 0)
 {
     QString row = QString("2024-03-01, 12:%1:%2, %3, %4, 1000000.00, 20")
@@ -60,8 +59,15 @@ inline QByteArray csvRow(qint64 lowHz, const QList<double>& dbm, double s = 0)
     return (row + "\n").toLatin1();
 }
 
-// The window's end of a front-end socket: a socket pair whose far end is read, on a thread or on
-// demand, into a log of frames.
+inline QStringList fileLines(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? QString(f.readAll()).split('\n', Qt::SkipEmptyParts)
+                                       : QStringList();
+}
+
+// The window's end of a front-end socket: a socket pair whose far end is read into a log of
+// frames.
 class FrontPeer
 {
 public:
@@ -74,45 +80,41 @@ public:
         std::vector<wsa::ReplayFrame> replays;
         bool eof = false;
     };
-    // Runs on the reading thread for every Replay frame.
+    // Runs for every Replay frame as it is read.
     std::function<void(const wsa::ReplayFrame&)> onReplay;
 
     FrontPeer()
     {
         socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, m_fds);
-        wsa::FrameReader::Handlers h;
-        h.configured = [this](const wsa::ConfiguredFrame& f) { note('C').configured.push_back(f); };
-        h.sweep = [this](const wsa::SweepFrame& f) {
-            note('S').sweeps.emplace_back(f.dbm, f.dbm + f.bins);
-        };
-        h.status = [this](wsa::StatusCode c, const std::string& t) {
-            note('T').statuses.emplace_back(c, t);
-        };
-        h.analysis = [this](const std::string&) { note('A'); };
-        h.recording = [this](std::int64_t b, const std::string& p) {
-            note('R').recordings.emplace_back(b, p);
-        };
-        h.replay = [this](const wsa::ReplayFrame& f) {
-            note('P').replays.push_back(f);
-            if (onReplay)
-                onReplay(f);
-        };
-        m_reader = std::make_unique<wsa::FrameReader>(h);
+        m_reader = std::make_unique<wsa::FrameReader>(wsa::FrameReader::Handlers{
+            [this](const wsa::ConfiguredFrame& f) { note('C').configured.push_back(f); },
+            [this](const wsa::SweepFrame& f) {
+                note('S').sweeps.emplace_back(f.dbm, f.dbm + f.bins);
+            },
+            [this](wsa::StatusCode c, const std::string& t) {
+                note('T').statuses.emplace_back(c, t);
+            },
+            [this](const std::string&) { note('A'); },
+            [this](std::int64_t b, const std::string& p) {
+                note('R').recordings.emplace_back(b, p);
+            },
+            {},
+            [this](const wsa::ReplayFrame& f) {
+                note('P').replays.push_back(f);
+                if (onReplay)
+                    onReplay(f);
+            },
+            {}});
     }
     ~FrontPeer()
     {
-        stop();
         close(m_fds[1]);
         if (!m_taken)
             close(m_fds[0]);
     }
 
     // The engine's end, for a sink to take over.
-    int engineEnd()
-    {
-        m_taken = true;
-        return m_fds[0];
-    }
+    int engineEnd() { return m_taken = true, m_fds[0]; }
     int windowEnd() const { return m_fds[1]; }
     // A connection accepted on `listener` within 5 s becomes the window's end.
     bool acceptFrom(int listener)
@@ -123,25 +125,6 @@ public:
         close(fd);
         return taken;
     }
-    void start()
-    {
-        m_thread = std::thread([this] {
-            while (!m_stop && readOnce(10)) {
-            }
-        });
-    }
-    // Ends the reading thread, if any, and reads what is left.
-    void stop()
-    {
-        m_stop = true;
-        if (m_thread.joinable())
-            m_thread.join();
-        while (!log().eof && readOnce(0)) {
-            pollfd p{m_fds[1], POLLIN, 0};
-            if (::poll(&p, 1, 0) != 1)
-                break;
-        }
-    }
     // Reads what is there within timeoutMs; false at the end of the stream.
     bool readOnce(int timeoutMs)
     {
@@ -150,22 +133,26 @@ public:
             return true;
         char bytes[65536];
         const ssize_t n = recv(m_fds[1], bytes, sizeof bytes, MSG_DONTWAIT);
-        if (n <= 0) {
-            std::lock_guard<std::mutex> lock(m_mutex);
-            m_log.eof = n == 0;
-            return n < 0 && errno == EAGAIN;
-        }
-        m_reader->feed(bytes, std::size_t(n));
-        return true;
+        if (n > 0)
+            m_reader->feed(bytes, std::size_t(n));
+        m_log.eof = n == 0;
+        return n > 0 || (n < 0 && errno == EAGAIN);
     }
     // Reads until `done` holds of the log, the stream ends or 5 s pass; whether `done` holds.
     bool readUntil(const std::function<bool(const Log&)>& done)
     {
         QElapsedTimer t;
         t.start();
-        while (!done(log()) && !log().eof && t.elapsed() < 5000)
+        while (!done(m_log) && !m_log.eof && t.elapsed() < 5000)
             readOnce(50);
-        return done(log());
+        return done(m_log);
+    }
+    // Reads what has come, without waiting.
+    const Log& log()
+    {
+        for (pollfd p{m_fds[1], POLLIN, 0}; !m_log.eof && ::poll(&p, 1, 0) == 1 && readOnce(0);) {
+        }
+        return m_log;
     }
     void send(wsa::ControlCommand command, double value) const
     {
@@ -177,27 +164,14 @@ public:
     {
         QCOMPARE(::send(m_fds[1], bytes, size, MSG_NOSIGNAL), ssize_t(size));
     }
-    Log log()
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_log;
-    }
 
 private:
-    Log& note(char kind)
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_log.kinds += kind;
-        return m_log;
-    }
+    Log& note(char kind) { return m_log.kinds += kind, m_log; }
 
     int m_fds[2] = {-1, -1};
     bool m_taken = false;
     std::unique_ptr<wsa::FrameReader> m_reader;
-    std::mutex m_mutex;
     Log m_log;
-    std::atomic<bool> m_stop{false};
-    std::thread m_thread;
 };
 
 // One engine process in its own directory. Only the given WSA_* and STANDIN_* settings reach it;
@@ -273,10 +247,8 @@ struct Run {
     {
         stSweep r{};
         pollfd p{link, POLLIN, 0};
-        if (poll(&p, 1, timeoutMs) != 1)
-            return r;
-        const ssize_t n = recv(link, &r, sizeof r, MSG_WAITALL);
-        if (n != ssize_t(sizeof r))
+        if (poll(&p, 1, timeoutMs) == 1 &&
+            recv(link, &r, sizeof r, MSG_WAITALL) != ssize_t(sizeof r))
             r.type = -1;
         return r;
     }
@@ -286,25 +258,18 @@ struct Run {
         r = next();
         return r.type == SA_MSG_SWEEP && r.num_samples == samples;
     }
-    // Lines the engine itself wrote to stderr, once it has ended; every line in `all`.
-    QStringList complaints(QStringList* all = nullptr)
+    // What the engine wrote to stderr, once it has ended.
+    QStringList said()
     {
         proc.waitForFinished(5000);
-        const QStringList lines =
-            QString(proc.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
-        if (all)
-            *all = lines;
-        return lines.filter(QRegularExpression("^wsa_raw: "));
+        return QString(proc.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
     }
     // The rows recorded, in the one file expected in `sub`.
     QStringList rows(const QString& sub = "rec") const
     {
         const QDir rec(dir.filePath(sub));
         const QStringList files = rec.entryList(QDir::Files);
-        QFile f(rec.filePath(files.value(0)));
-        if (files.size() != 1 || !f.open(QIODevice::ReadOnly))
-            return {};
-        return QString(f.readAll()).split('\n', Qt::SkipEmptyParts);
+        return files.size() == 1 ? fileLines(rec.filePath(files[0])) : QStringList();
     }
 };
 
@@ -338,14 +303,17 @@ inline QList<QVector<int>> replayed(Run& run, const Band& band, int firstMs = 50
     return sweeps;
 }
 
-// Each reading moves fake time on by `tick` and runs the steps that have come due. With no tick,
-// time is the real time since the clock's construction: waits then take as long as they say.
+// Each reading moves fake time on by `tick` and runs the steps that have come due; with no tick
+// it moves only when told. kRealTime is the real time since construction: waits take as long as
+// they say.
 class ScriptClock : public Clock
 {
 public:
-    explicit ScriptClock(long long tickNs, long long startNs = 0)
-        : m_tickNs(tickNs), m_real(tickNs == 0), m_nowNs(startNs)
+    static constexpr long long kRealTime = -1;
+    explicit ScriptClock(long long tickNs = 0, long long startNs = 0)
+        : m_tickNs(tickNs), m_nowNs(startNs)
     {
+        m_elapsed.start();
     }
     void at(double ms, std::function<void()> action)
     {
@@ -353,13 +321,15 @@ public:
     }
     long long nowNs() const override
     {
-        const long long now = m_real ? m_nowNs = m_elapsed.nsecsElapsed() : m_nowNs += m_tickNs;
+        const long long now =
+            m_tickNs == kRealTime ? m_nowNs = m_elapsed.nsecsElapsed() : m_nowNs += m_tickNs;
         while (m_next < m_steps.size() && now >= m_steps[m_next].atNs)
             m_steps[m_next++].action();
         return now;
     }
     // The time without a reading.
     long long peekNs() const { return m_nowNs; }
+    double seconds() const { return m_nowNs / 1e9; }
     void advanceMs(double ms) { m_nowNs += (long long)(ms * 1e6); }
 
 private:
@@ -368,12 +338,7 @@ private:
         std::function<void()> action;
     };
     long long m_tickNs;
-    bool m_real;
-    QElapsedTimer m_elapsed = [] {
-        QElapsedTimer t;
-        t.start();
-        return t;
-    }();
+    QElapsedTimer m_elapsed;
     mutable std::atomic<long long> m_nowNs;
     mutable std::size_t m_next = 0;
     std::vector<Step> m_steps;
@@ -389,6 +354,8 @@ public:
     std::vector<std::vector<int>> sweeps;
     std::vector<std::pair<StatusReason, std::string>> reasons;
     std::vector<std::pair<std::int64_t, std::string>> recordings;
+    std::vector<std::pair<double, std::string>> analyses; // clock seconds, object
+    const ScriptClock* clock = nullptr;
 
     bool ready() const override { return isReady; }
     SinkResult announce(const wsa::Announcement&) override { return note('C'); }
@@ -403,6 +370,10 @@ public:
     {
         recordings.emplace_back(bytes, path);
     }
+    void analysis(const std::string& json) override
+    {
+        analyses.emplace_back(clock ? clock->seconds() : 0, json);
+    }
     int count(StatusReason reason) const
     {
         return int(std::count_if(reasons.begin(), reasons.end(),
@@ -414,6 +385,24 @@ private:
     {
         events += c;
         return answer;
+    }
+};
+
+// An observer that keeps every sweep it sees, its time stamp and the clock's time then.
+class SweepLog : public SweepObserver
+{
+public:
+    std::vector<float> levels; // all sweeps, one after the other
+    std::vector<double> seconds;
+    std::vector<long long> atNs;
+    std::atomic<int> sweeps{0};
+    const ScriptClock* clock = nullptr;
+    void take(const float* dbm, int bins, double timeSeconds) override
+    {
+        levels.insert(levels.end(), dbm, dbm + bins);
+        seconds.push_back(timeSeconds);
+        atNs.push_back(clock ? clock->peekNs() : 0);
+        ++sweeps;
     }
 };
 

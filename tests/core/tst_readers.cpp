@@ -1,10 +1,15 @@
-// The record reader in-process: whole records in pieces of any size, each kind of damage with
-// what it costs, garbage between records, and readers that do not share state.
+// The two stream readers in-process, the analyzer's records and the front-end's frames: whole
+// records and frames in pieces of any size, each kind of damage with what it costs, garbage in
+// between, nothing a reader cannot trust handed on, and readers that do not share state.
 #include <QtTest>
+#include <cmath>
 #include <cstring>
 #include <vector>
 
+#include "frontstream.h"
 #include "recordreader.h"
+
+using namespace wsa;
 
 namespace
 {
@@ -25,21 +30,20 @@ QByteArray sweep(int level, int count = 423)
     return recordBytes(SA_MSG_SWEEP, count, level);
 }
 
-// A reader with everything it hands on collected.
+// A record reader with everything it hands on collected.
 struct Collector {
     QList<int> levels; // data[1] of each sweep, the type's negative for other records
     QList<QByteArray> records;
     int impossibleLevels = 0; // levels handed on that no receiver reports
     QStringList damage;
-    wsa::RecordReader reader{
+    RecordReader reader{
         [this](const stSweep& r) {
             levels << (r.type == SA_MSG_SWEEP ? r.data[1] : -r.type);
             for (int i = 0; r.type == SA_MSG_SWEEP && i < r.num_samples; ++i)
-                impossibleLevels +=
-                    r.data[i] < wsa::kLowestLevelDbm || r.data[i] > wsa::kHighestLevelDbm;
+                impossibleLevels += r.data[i] < kLowestLevelDbm || r.data[i] > kHighestLevelDbm;
             records << QByteArray(reinterpret_cast<const char*>(&r), SA_RECORD_SIZE);
         },
-        [this](const wsa::RecordDamage& d) {
+        [this](const RecordDamage& d) {
             static const char* kinds[] = {"unknown type", "bad count", "cut short", "cut samples",
                                           "bad level"};
             damage << QString("%1 %2 %3").arg(kinds[d.kind]).arg(d.type).arg(d.count);
@@ -60,16 +64,72 @@ struct Collector {
     }
 };
 
+// Everything a frame reader handed out, in order, as text.
+struct FrameLog {
+    QStringList events;
+    FrameReader reader{{
+        [this](const ConfiguredFrame& f) {
+            events << QString::asprintf("configured %.1f %.3f %d %d %s", f.firstHz, f.stepHz,
+                                        f.bins, f.band, f.source.c_str());
+        },
+        [this](const SweepFrame& s) {
+            events << QString::asprintf("sweep %g %d %g %g", s.seconds, s.bins,
+                                        s.bins ? s.dbm[0] : 0, s.bins ? s.dbm[s.bins - 1] : 0);
+        },
+        [this](StatusCode c, const std::string& text) {
+            events << QString::asprintf("status %d %s", int(c), text.c_str());
+        },
+        [this](const std::string& json) { events << "analysis " + QString::fromStdString(json); },
+        [this](std::int64_t bytes, const std::string& path) {
+            events << QString::asprintf("recording %lld %s", (long long)bytes, path.c_str());
+        },
+        [this](const char* what) { events << QString("damage ") + what; },
+        [this](const ReplayFrame& r) {
+            events << QString::asprintf("replay %g/%g x%g %d %d", r.position, r.duration, r.speed,
+                                        r.paused, r.loop);
+        },
+        [this](ControlCommand c, double v) {
+            events << QString::asprintf("control %d %g", int(c), v);
+        },
+    }};
+};
+
+// One frame of every kind, and the events they must give.
+std::vector<char> sampleFrames(QStringList& expected)
+{
+    std::vector<char> out;
+    encodeConfigured(out, {2400e6, 212765.957, 423, 0, "sim"});
+    expected << "configured 2400000000.0 212765.957 423 0 sim";
+    std::vector<float> levels(423);
+    for (int k = 0; k < 3; ++k) {
+        for (int i = 0; i < 423; ++i)
+            levels[i] = -95.5f + i % 7 + k;
+        encodeSweep(out, 0.125 * k, levels.data(), 423);
+        expected << QString::asprintf("sweep %g 423 %g %g", 0.125 * k, -95.5 + k, levels[422]);
+    }
+    encodeStatus(out, StatusCode::ProgramMissing, "hackrf_sweep: not found");
+    expected << "status 1 hackrf_sweep: not found";
+    encodeAnalysis(out, R"({"type":"summary","sweeps":3})");
+    expected << R"(analysis {"type":"summary","sweeps":3})";
+    encodeRecording(out, 123456789012LL, "/tmp/rec ording.csv");
+    expected << "recording 123456789012 /tmp/rec ording.csv";
+    encodeReplay(out, {12.5, 3600, 4, true, false});
+    expected << "replay 12.5/3600 x4 1 0";
+    encodeControl(out, ControlCommand::Seek, 42.25);
+    expected << "control 3 42.25";
+    return out;
+}
+
 } // namespace
 
-class TestRecordReader : public QObject
+class TestReaders : public QObject
 {
     Q_OBJECT
 
 private slots:
     // Whole records of every kind pass unchanged; each damaged stretch costs the damaged bytes
     // only and is reported once; in pieces of any size.
-    void stream_data()
+    void records_data()
     {
         QTest::addColumn<QByteArray>("middle");
         QTest::addColumn<QList<int>>("extra"); // what the middle itself hands on
@@ -99,7 +159,7 @@ private slots:
         QTest::newRow("stray bytes")
             << QByteArray("\x01\x02", 2) << QList<int>{} << "unknown type 1 27721728";
     }
-    void stream()
+    void records()
     {
         QFETCH(QByteArray, middle);
         QFETCH(QList<int>, extra);
@@ -156,8 +216,8 @@ private slots:
     void impossibleLevel_data()
     {
         QTest::addColumn<int>("level");
-        QTest::newRow("above") << wsa::kHighestLevelDbm + 1;
-        QTest::newRow("below") << wsa::kLowestLevelDbm - 1;
+        QTest::newRow("above") << kHighestLevelDbm + 1;
+        QTest::newRow("below") << kLowestLevelDbm - 1;
         QTest::newRow("INT_MIN") << int(0x80000000);
     }
     void impossibleLevel()
@@ -166,10 +226,10 @@ private slots:
         Collector c;
         QByteArray bad = sweep(-70);
         std::memcpy(bad.data() + 8 + 4 * 200, &level, sizeof level);
-        QByteArray edge = sweep(wsa::kLowestLevelDbm);
+        QByteArray edge = sweep(kLowestLevelDbm);
         std::memcpy(edge.data() + 8 + 4 * 7, "\x32\0\0\0", 4); // kHighestLevelDbm
         c.feed(sweep(-40) + bad + edge + sweep(-42), {5000, 1});
-        QCOMPARE(c.levels, QList<int>({-40, wsa::kLowestLevelDbm, -42}));
+        QCOMPARE(c.levels, QList<int>({-40, kLowestLevelDbm, -42}));
         QCOMPARE(c.damage, QStringList(QString("bad level 101 423")));
     }
 
@@ -215,7 +275,59 @@ private slots:
         QCOMPARE(a.levels, QList<int>({-50, -51}));
         QCOMPARE(a.reader.pendingBytes(), size_t(0));
     }
+
+    // Frames survive any split of the stream, and damage costs only the damaged stretch: garbage
+    // between frames, a header claiming a huge payload, a sweep whose count disagrees with its
+    // length or that carries a level no receiver measures are each reported once and the frames
+    // around them arrive intact. Frames of a kind no reader knows are skipped whole, even when
+    // their payload looks like a start.
+    void framesLoseOnlyTheDamagedStretch()
+    {
+        QStringList expected;
+        const std::vector<char> good = sampleFrames(expected);
+        std::vector<char> stream = good;
+        const char garbage[] = "WW2\x01garbage W2\x02\x00\xff\xff\xff\x7f";
+        stream.insert(stream.end(), garbage, garbage + sizeof garbage - 1);
+        float nan = std::nanf("");
+        encodeSweep(stream, 1.0, &nan, 1);
+        std::vector<float> loud(4, 500.0f);
+        encodeSweep(stream, 1.0, loud.data(), 4);
+        encodeSweep(stream, 1.0, loud.data(), 4);
+        stream[stream.size() - 4 * 4 - 4] = 9; // claims 9 bins in a payload of 4
+        stream.insert(stream.end(), good.begin(), good.end());
+        const char unknown[] = {'W', '2', 42, 0, 3, 0, 0, 0, 'W', '2', 'x'};
+        stream.insert(stream.end(), unknown, unknown + sizeof unknown);
+        encodeStatus(stream, StatusCode::Ended, "");
+        const QStringList want =
+            expected + QStringList("damage bad frame header") + expected + QStringList("status 0 ");
+        // Every alignment of small pieces (a damaged stretch may end anywhere inside one), frames
+        // whole in a piece, and the stream at once.
+        std::vector<std::size_t> pieces = {900, stream.size()};
+        for (std::size_t piece = 1; piece <= 17; ++piece)
+            pieces.push_back(piece);
+        for (std::size_t piece : pieces) {
+            FrameLog log;
+            for (std::size_t at = 0; at < stream.size(); at += piece)
+                log.reader.feed(stream.data() + at, std::min(piece, stream.size() - at));
+            QCOMPARE(log.events, want);
+            QCOMPARE(log.reader.pending(), std::size_t(0));
+        }
+    }
+
+    void frameEncodersRefuseWhatNoReaderTakes()
+    {
+        std::vector<char> out;
+        std::vector<float> wide(kMaxStreamBins + 1, -90.0f);
+        QVERIFY(!encodeSweep(out, 0, wide.data(), kMaxStreamBins + 1));
+        QVERIFY(!encodeSweep(out, 0, wide.data(), -1));
+        QVERIFY(!encodeAnalysis(out, std::string(kMaxFramePayload + 1, 'x')));
+        QVERIFY(out.empty());
+        QVERIFY(encodeSweep(out, 0, wide.data(), kMaxStreamBins));
+        FrameLog log;
+        log.reader.feed(out.data(), out.size());
+        QCOMPARE(log.events.size(), 1);
+    }
 };
 
-QTEST_APPLESS_MAIN(TestRecordReader)
-#include "tst_recordreader.moc"
+QTEST_APPLESS_MAIN(TestReaders)
+#include "tst_readers.moc"
