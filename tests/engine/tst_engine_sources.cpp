@@ -60,7 +60,7 @@ private slots:
         QFETCH(int, lowest);
         QFETCH(int, highest);
         QFETCH(bool, killed);
-        Run run(standIn(QStringList{"WSA_OUTPUT_RATE=2", "STANDIN_PIDFILE={dir}/pid"} + env),
+        Run run(standIn(QStringList{"WSA_OUTPUT_RATE=2", "STANDIN_PIDFILE={dir}/pid", "STANDIN_STUBBORN=1"} + env),
                 band.args());
         QVERIFY(isConfigured(run.next(), band));
         // The first record may hold a single sweep; the later ones combine several.
@@ -89,7 +89,8 @@ private slots:
         else
             shutdown(run.link, SHUT_RDWR);
         QVERIFY(run.proc.waitForFinished(5000));
-        // As our orphan it would never end; ended, it is ours to collect.
+        // It outlives a broken pipe, so only the engine can end it; as our orphan it would never
+        // end, ended it is ours to collect.
         QTRY_VERIFY_WITH_TIMEOUT(waitpid(sweeper, nullptr, WNOHANG) != 0, 3000);
         QVERIFY(kill(sweeper, 0) == -1 && errno == ESRCH);
     }
