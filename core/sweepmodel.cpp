@@ -228,28 +228,6 @@ std::int64_t SweepStore::historyStamp(int age) const
     return row < 0 ? 0 : m_historyStamps[size_t(row)];
 }
 
-SweepStore SweepStore::snapshot() const
-{
-    SweepStore copy(SweepStoreConfig{});
-    copy.m_config = m_config;
-    copy.m_current = m_current;
-    copy.m_average = m_average;
-    copy.m_max = m_max;
-    copy.m_min = m_min;
-    copy.m_history = m_history;
-    copy.m_historyStamps = m_historyStamps;
-    copy.m_density = m_density;
-    copy.m_densityRows = m_densityRows;
-    copy.m_densityPeak = m_densityPeak;
-    copy.m_densitySweeps = m_densitySweeps;
-    copy.m_historyNewest = m_historyNewest;
-    copy.m_historyCount = m_historyCount;
-    copy.m_sweeps = m_sweeps;
-    copy.m_holdSweeps = m_holdSweeps;
-    copy.m_generation = m_generation;
-    return copy;
-}
-
 void SweepStore::addSweep(const float* levels, int n, std::int64_t stamp)
 {
     count(levels, n, stamp);
@@ -300,39 +278,41 @@ template <class T> void SweepStore::count(const T* levels, int n, std::int64_t s
 
 int SweepStore::subscribe(Observer observer)
 {
-    m_observers.push_back({m_nextId, std::move(observer), true});
-    return m_nextId++;
+    m_observers.list.push_back({m_observers.nextId, std::move(observer), true});
+    return m_observers.nextId++;
 }
 
 void SweepStore::unsubscribe(int id)
 {
-    for (auto it = m_observers.begin(); it != m_observers.end(); ++it) {
+    auto& list = m_observers.list;
+    for (auto it = list.begin(); it != list.end(); ++it) {
         if (it->id != id || !it->live)
             continue;
         // Inside a notification the entry is only marked: it may be the one running.
-        if (m_notifying > 0)
+        if (m_observers.notifying > 0)
             it->live = false;
         else
-            m_observers.erase(it);
+            list.erase(it);
         return;
     }
 }
 
 void SweepStore::notify()
 {
-    if (m_observers.empty())
+    auto& list = m_observers.list;
+    if (list.empty())
         return;
-    ++m_notifying;
+    ++m_observers.notifying;
     // Observers subscribed meanwhile wait for the next sweep; a list keeps every entry in place.
-    const auto last = std::prev(m_observers.end());
-    for (auto it = m_observers.begin();; ++it) {
+    const auto last = std::prev(list.end());
+    for (auto it = list.begin();; ++it) {
         if (it->live)
             it->observer(*this);
         if (it == last)
             break;
     }
-    if (--m_notifying == 0)
-        m_observers.remove_if([](const Subscription& s) { return !s.live; });
+    if (--m_observers.notifying == 0)
+        list.remove_if([](const Observers::Subscription& s) { return !s.live; });
 }
 
 } // namespace wsa

@@ -150,9 +150,9 @@ public:
     // The stamp given with that row's sweep; 0 out of range.
     std::int64_t historyStamp(int age) const;
 
-    // A copy of everything counted, without the observers: a picture that later sweeps to this
-    // store do not touch.
-    SweepStore snapshot() const;
+    // A copy of everything counted, without the observers (as any copy): a picture that later
+    // sweeps to this store do not touch.
+    SweepStore snapshot() const { return *this; }
 
     // Changes with every sweep counted and every reset or reconfiguration: a painter that keeps
     // a picture of the store compares it to know whether the picture is current.
@@ -181,14 +181,23 @@ private:
     long long m_sweeps = 0;
     long long m_holdSweeps = 0; // sweeps in max, min and average since their reset
     std::uint64_t m_generation = 0;
-    struct Subscription {
-        int id;
-        Observer observer;
-        bool live;
+    // Observers belong to the store they subscribed to: a copy starts without any, and
+    // assignment keeps the target's own.
+    struct Observers {
+        struct Subscription {
+            int id;
+            Observer observer;
+            bool live;
+        };
+        std::list<Subscription> list;
+        int nextId = 1;
+        int notifying = 0;
+
+        Observers() = default;
+        Observers(const Observers&) {}
+        Observers& operator=(const Observers&) { return *this; }
     };
-    std::list<Subscription> m_observers;
-    int m_nextId = 1;
-    int m_notifying = 0;
+    Observers m_observers;
 };
 
 } // namespace wsa
