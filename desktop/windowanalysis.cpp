@@ -87,7 +87,7 @@ void InstrumentWindow::updateEmitterMarks()
 
 ReportContent InstrumentWindow::reportContent() const
 {
-    const SweepModel& model = m_feed->shown();
+    const SweepStore& model = m_feed->shown();
     ReportContent c;
     c.picture = m_views->grab().toImage();
     c.band = QString::fromUtf8(model.band().name);

@@ -61,7 +61,7 @@ void InstrumentWindow::restoreMarkers(QSettings& s)
 {
     // Checked as any input: a trace out of range or a frequency outside the band is not taken.
     const int count = std::min(s.beginReadArray(QStringLiteral("markers")), Markers::kCount);
-    const SweepModel& model = m_feed->shown();
+    const SweepStore& model = m_feed->shown();
     for (int i = 0; i < count; ++i) {
         s.setArrayIndex(i);
         const double hz = s.value(QStringLiteral("hz")).toDouble();

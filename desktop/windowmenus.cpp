@@ -164,7 +164,7 @@ void InstrumentWindow::createStatusBar()
 
 void InstrumentWindow::updateStatus()
 {
-    const SweepModel& model = m_feed->live();
+    const SweepStore& model = m_feed->live();
     const SweepGrid grid = model.grid();
     m_bandLabel->setText(tr("%1: %2 cells of %3 kHz")
                              .arg(QString::fromUtf8(model.band().name))

@@ -26,7 +26,7 @@ bool writeFile(const QString& path, const QByteArray& bytes, QString* error)
     return false;
 }
 
-QByteArray tracesCsv(const SweepModel& model)
+QByteArray tracesCsv(const SweepStore& model)
 {
     const SweepGrid grid = model.grid();
     QByteArray out("frequency_hz,current_dbm,average_dbm,maximum_dbm,minimum_dbm\n");
@@ -46,7 +46,7 @@ QByteArray tracesCsv(const SweepModel& model)
     return out;
 }
 
-bool saveTracesCsv(const SweepModel& model, const QString& path, QString* error)
+bool saveTracesCsv(const SweepStore& model, const QString& path, QString* error)
 {
     return writeFile(path, tracesCsv(model), error);
 }

@@ -6,7 +6,7 @@
 #include <QImage>
 #include <QString>
 
-#include "sweepmodel.h"
+#include "sweepstore.h"
 
 class QIODevice;
 
@@ -15,11 +15,11 @@ namespace wsa::desktop
 
 // The CSV text: a header line, then per cell its centre frequency and each trace's level, empty
 // where a trace has no data yet.
-QByteArray tracesCsv(const SweepModel& model);
+QByteArray tracesCsv(const SweepStore& model);
 
 // Writes to `path`; on failure returns false and a sentence naming the file and the cause.
 bool writeFile(const QString& path, const QByteArray& bytes, QString* error);
-bool saveTracesCsv(const SweepModel& model, const QString& path, QString* error);
+bool saveTracesCsv(const SweepStore& model, const QString& path, QString* error);
 bool savePicture(const QImage& image, const QString& path, QString* error);
 
 } // namespace wsa::desktop

@@ -30,12 +30,12 @@ const Marker& Markers::marker(int index) const
     return m_markers[std::size_t(std::clamp(index, 0, kCount - 1))];
 }
 
-int Markers::binOf(int index, const SweepModel& model) const
+int Markers::binOf(int index, const SweepStore& model) const
 {
     return model.grid().axis(0, 1).nearestBin(marker(index).hz);
 }
 
-MarkerReading Markers::reading(const SweepModel& model, int index, int channelWidthMHz) const
+MarkerReading Markers::reading(const SweepStore& model, int index, int channelWidthMHz) const
 {
     MarkerReading r;
     const Marker& m = marker(index);
@@ -66,7 +66,7 @@ void Markers::setActive(int index)
     emit changed();
 }
 
-void Markers::place(int index, const SweepModel& model, double hz)
+void Markers::place(int index, const SweepStore& model, double hz)
 {
     if (index < 0 || index >= kCount || !std::isfinite(hz))
         return;
@@ -96,7 +96,7 @@ void Markers::setOn(int index, bool on)
     emit changed();
 }
 
-bool Markers::toBin(int index, const SweepModel& model, int bin)
+bool Markers::toBin(int index, const SweepStore& model, int bin)
 {
     if (bin < 0 || index < 0 || index >= kCount)
         return false;
@@ -107,7 +107,7 @@ bool Markers::toBin(int index, const SweepModel& model, int bin)
     return true;
 }
 
-void Markers::step(int index, const SweepModel& model, int cells)
+void Markers::step(int index, const SweepStore& model, int cells)
 {
     if (index < 0 || index >= kCount || !marker(index).on)
         return;
@@ -115,13 +115,13 @@ void Markers::step(int index, const SweepModel& model, int cells)
     toBin(index, model, std::clamp(binOf(index, model) + cells, 0, bins - 1));
 }
 
-bool Markers::toHighest(int index, const SweepModel& model)
+bool Markers::toHighest(int index, const SweepStore& model)
 {
     const float* levels = model.trace(marker(index).trace);
     return toBin(index, model, peaks::highest(levels, levels ? model.grid().bins : 0));
 }
 
-bool Markers::toNextLeft(int index, const SweepModel& model)
+bool Markers::toNextLeft(int index, const SweepStore& model)
 {
     const float* levels = model.trace(marker(index).trace);
     if (!levels)
@@ -130,7 +130,7 @@ bool Markers::toNextLeft(int index, const SweepModel& model)
     return toBin(index, model, peaks::nextLeft(levels, model.grid().bins, from));
 }
 
-bool Markers::toNextRight(int index, const SweepModel& model)
+bool Markers::toNextRight(int index, const SweepStore& model)
 {
     const float* levels = model.trace(marker(index).trace);
     if (!levels)
@@ -147,7 +147,7 @@ void Markers::setFollowsPeak(int index, bool follow)
     emit changed();
 }
 
-void Markers::followPeaks(const SweepModel& model)
+void Markers::followPeaks(const SweepStore& model)
 {
     for (int i = 0; i < kCount; ++i) {
         const Marker& m = m_markers[std::size_t(i)];

@@ -6,7 +6,7 @@
 #include <QObject>
 #include <array>
 
-#include "sweepmodel.h"
+#include "sweepstore.h"
 
 namespace wsa::desktop
 {
@@ -43,31 +43,31 @@ public:
 
     const Marker& marker(int index) const;
     int active() const { return m_active; }
-    MarkerReading reading(const SweepModel& model, int index, int channelWidthMHz) const;
+    MarkerReading reading(const SweepStore& model, int index, int channelWidthMHz) const;
 
 public slots:
     void setActive(int index);
     // Places the marker on the cell nearest hz (switching it on).
-    void place(int index, const SweepModel& model, double hz);
+    void place(int index, const SweepStore& model, double hz);
     void setTrace(int index, Trace trace);
     void setOn(int index, bool on);
     // Moves the marker by `cells` cells of the model's grid, stopping at the edges.
-    void step(int index, const SweepModel& model, int cells);
+    void step(int index, const SweepStore& model, int cells);
     // Peak search on the marker's own trace; false (and no move) when there is nothing to find.
-    bool toHighest(int index, const SweepModel& model);
-    bool toNextLeft(int index, const SweepModel& model);
-    bool toNextRight(int index, const SweepModel& model);
+    bool toHighest(int index, const SweepStore& model);
+    bool toNextLeft(int index, const SweepStore& model);
+    bool toNextRight(int index, const SweepStore& model);
     void setFollowsPeak(int index, bool follow);
     // Every marker that follows the peak goes to its trace's highest cell.
-    void followPeaks(const SweepModel& model);
+    void followPeaks(const SweepStore& model);
     void clear();
 
 signals:
     void changed();
 
 private:
-    bool toBin(int index, const SweepModel& model, int bin);
-    int binOf(int index, const SweepModel& model) const;
+    bool toBin(int index, const SweepStore& model, int bin);
+    int binOf(int index, const SweepStore& model) const;
 
     std::array<Marker, kCount> m_markers;
     int m_active = 0;

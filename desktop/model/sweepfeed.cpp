@@ -8,7 +8,7 @@ SweepFeed::SweepFeed(const Band& band, int historyDepth, QObject* parent)
 {
 }
 
-const SweepModel& SweepFeed::shown() const
+const SweepStore& SweepFeed::shown() const
 {
     if (m_frozen)
         return *m_frozen;

@@ -18,7 +18,7 @@ public:
     explicit SweepFeed(const Band& band, int historyDepth = 1024, QObject* parent = nullptr);
 
     // What the views show: the live store, or the frozen copy while paused.
-    const SweepModel& shown() const;
+    const SweepStore& shown() const;
     const SweepStore& live() const { return m_live; }
     bool isPaused() const { return m_frozen != nullptr; }
 

@@ -35,12 +35,6 @@ SweepStore::SweepStore(const Band& band, int historyDepth)
     configure(band);
 }
 
-SweepStore::SweepStore(const SweepStore& o)
-    : SweepModel(), m_band(o.m_band), m_grid(o.m_grid), m_depth(o.m_depth), m_averaging(o.m_averaging),
-      m_core(o.m_core.snapshot())
-{
-}
-
 void SweepStore::configure(const Band& band)
 {
     m_band = &band;

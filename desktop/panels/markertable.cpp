@@ -58,7 +58,7 @@ void MarkerTable::schedule()
 void MarkerTable::refresh()
 {
     m_timer.stop();
-    const SweepModel& model = m_feed->shown();
+    const SweepStore& model = m_feed->shown();
     for (int i = 0; i < Markers::kCount; ++i) {
         const MarkerReading r = m_markers->reading(model, i, m_channelWidth);
         const Marker& m = m_markers->marker(i);

@@ -8,7 +8,7 @@
 #include <QString>
 #include <array>
 
-#include "sweepmodel.h"
+#include "sweepstore.h"
 
 namespace wsa::desktop
 {

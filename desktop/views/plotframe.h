@@ -9,7 +9,7 @@
 #include <QString>
 #include <vector>
 
-#include "sweepmodel.h"
+#include "sweepstore.h"
 
 namespace wsa::desktop
 {

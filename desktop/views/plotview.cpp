@@ -23,7 +23,7 @@ PlotView::PlotView(SweepFeed* feed, QWidget* parent) : QWidget(parent), m_feed(f
     connect(feed, &SweepFeed::shownReset, this, &PlotView::onShownReset);
 }
 
-const SweepModel& PlotView::model() const
+const SweepStore& PlotView::model() const
 {
     return m_feed->shown();
 }

@@ -25,7 +25,7 @@ public:
 
     void setSettings(const DisplaySettings& settings);
     const DisplaySettings& settings() const { return m_settings; }
-    const SweepModel& model() const;
+    const SweepStore& model() const;
     // The layout and the frequency axis of the current size, in logical pixels.
     PlotLayout plotLayout() const;
     Axis axis() const;

@@ -7,7 +7,7 @@
 #include <QPolygonF>
 #include <QRectF>
 
-#include "sweepmodel.h"
+#include "sweepstore.h"
 
 namespace wsa::desktop
 {
