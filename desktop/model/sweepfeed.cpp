@@ -27,7 +27,6 @@ bool SweepFeed::addSweep(const float* dbm, int count, qint64 timeMs)
 {
     if (!m_live.addSweep(dbm, count, timeMs))
         return false;
-    emit sweepCounted(m_live.sweepCount());
     if (!m_frozen)
         emit sweepShown();
     return true;

@@ -36,8 +36,6 @@ signals:
     void sweepShown();
     // What is shown changed as a whole (band, reset, pause, resume): views rebuild.
     void shownReset();
-    // The live store counted a sweep, shown or not.
-    void sweepCounted(quint64 count);
 
 private:
     SweepStore m_live;
